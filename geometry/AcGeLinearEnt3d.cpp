@@ -5,31 +5,61 @@
 #include "kxrender/AcGeMatrix3d.h"
 #include "kxrender/AcGePlanarEnt.h"
 
-double AcGeLinearEnt3d::paramOf(const AcGePoint3d& pnt) const {
+double AcGeLinearEnt3d::paramOf(const AcGePoint3d& pnt, const AcGeTol&) const {
   double vv = mVector.lengthSqrd();
   if (vv == 0.0) return 0.0;
   return mVector.dotProduct(pnt - mPoint) / vv;
 }
 
-bool AcGeLinearEnt3d::isParamWithin(double param, const AcGeTol& tol) const {
+double AcGeLinearEnt3d::closestParamTo(const AcGePoint3d& pnt) const {
   double lower, upper;
   getInterval(lower, upper);
-  double len = mVector.length();
-  if (std::isnan(param)) return false;
-  if (len == 0.0) return true;  // every parameter names the same point
-  double slack = tol.equalPoint() / len;
-  return param >= lower - slack && param <= upper + slack;
+  return std::min(std::max(paramOf(pnt), lower), upper);
 }
 
-AcGePoint3d AcGeLinearEnt3d::closestPointTo(const AcGePoint3d& pnt) const {
+void AcGeLinearEnt3d::normalParams(const AcGePoint3d& pnt, std::vector<double>& params) const {
+  params.clear();
+  if (mVector.lengthSqrd() == 0.0) return;  // no direction, no perpendicular
+  double t = paramOf(pnt);
   double lower, upper;
   getInterval(lower, upper);
-  double t = std::min(std::max(paramOf(pnt), lower), upper);
-  return evalPoint(t);
+  if (t >= lower && t <= upper && std::isfinite(t)) params.push_back(t);
 }
 
-bool AcGeLinearEnt3d::isOn(const AcGePoint3d& pnt, const AcGeTol& tol) const {
-  return closestPointTo(pnt).distanceTo(pnt) <= tol.equalPoint();
+double AcGeLinearEnt3d::length(double fromParam, double toParam, const AcGeTol&) const {
+  double lower, upper;
+  getInterval(lower, upper);
+  double a = std::min(std::max(fromParam, lower), upper);
+  double b = std::min(std::max(toParam, lower), upper);
+  double len = std::fabs(b - a) * mVector.length();
+  return std::isfinite(len) ? len : 0.0;
+}
+
+double AcGeLinearEnt3d::paramAtLength(double fromParam, double length, bool forward, const AcGeTol&) const {
+  double speed = mVector.length();
+  if (!(length >= 0.0) || !std::isfinite(length) || !(speed > 0.0) || !std::isfinite(speed) ||
+      !std::isfinite(fromParam))
+    return fromParam;
+  double lower, upper;
+  getInterval(lower, upper);
+  double t = fromParam + (forward ? length : -length) / speed;
+  return std::min(std::max(t, lower), upper);
+}
+
+AcGeBoundBlock3d AcGeLinearEnt3d::boundBlock() const {
+  double lower, upper;
+  getInterval(lower, upper);
+  AcGeBoundBlock3d box(evalPoint(lower == -INFINITY ? 0.0 : lower), evalPoint(upper == INFINITY ? 0.0 : upper));
+  AcGePoint3d lo, hi;
+  box.getMinMaxPoints(lo, hi);
+  // An unbounded end runs off to infinity in every coordinate it moves in.
+  for (int i = 0; i < 3; ++i) {
+    if (mVector[i] == 0.0) continue;
+    bool up = mVector[i] > 0.0;
+    if (upper == INFINITY) (up ? hi[i] : lo[i]) = up ? INFINITY : -INFINITY;
+    if (lower == -INFINITY) (up ? lo[i] : hi[i]) = up ? -INFINITY : INFINITY;
+  }
+  return AcGeBoundBlock3d(lo, hi);
 }
 
 bool AcGeLinearEnt3d::intersectWith(const AcGeLinearEnt3d& other, AcGePoint3d& pnt, const AcGeTol& tol) const {
@@ -77,4 +107,14 @@ AcGeLinearEnt3d& AcGeLinearEnt3d::transformBy(const AcGeMatrix3d& mat) {
   end.transformBy(mat);
   mVector = end - mPoint;
   return *this;
+}
+
+bool AcGeLinearEnt3d::isParamWithin(double param, const AcGeTol& tol) const {
+  double lower, upper;
+  getInterval(lower, upper);
+  double len = mVector.length();
+  if (std::isnan(param)) return false;
+  if (len == 0.0) return true;  // every parameter names the same point
+  double slack = tol.equalPoint() / len;
+  return param >= lower - slack && param <= upper + slack;
 }

@@ -25,5 +25,6 @@ public:
   AcGePoint3d startPoint() const { return mPoint; }
   AcGePoint3d endPoint() const { return mPoint + mVector; }
   AcGePoint3d midPoint() const { return mPoint + mVector * 0.5; }
+  using AcGeLinearEnt3d::length;
   double length() const { return mVector.length(); }
 };

@@ -1,7 +1,7 @@
 #pragma once
 #include <limits>
 
-#include "kxrender/AcGeEntity3d.h"
+#include "kxrender/AcGeCurve3d.h"
 #include "kxrender/AcGeVector3d.h"
 #include "kxrender/Export.h"
 
@@ -9,26 +9,28 @@ class AcGePlanarEnt;
 
 // Straight entity p(t) = point + t * vector. Lines, rays and segments differ
 // only in the parameter range they accept: all of t, t >= 0, 0 <= t <= 1.
-class KXRENDER_API AcGeLinearEnt3d : public AcGeEntity3d {
+class KXRENDER_API AcGeLinearEnt3d : public AcGeCurve3d {
 public:
-  bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kLinearEnt3d || AcGeEntity3d::isKindOf(id); }
+  bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kLinearEnt3d || AcGeCurve3d::isKindOf(id); }
 
   // The entity's first point (origin of a line or ray, start of a segment).
   AcGePoint3d pointOnLine() const { return mPoint; }
   // Unit direction; zero for a degenerate entity.
   AcGeVector3d direction() const { return mVector.normal(); }
 
-  // Parameter range; infinite ends are +-infinity.
-  virtual void getInterval(double& lower, double& upper) const = 0;
-  AcGePoint3d evalPoint(double param) const { return mPoint + mVector * param; }
+  AcGePoint3d evalPoint(double param) const override { return mPoint + mVector * param; }
+  AcGeVector3d evalDeriv(double) const override { return mVector; }
+  int sampleSpans() const override { return 1; }
   // Parameter of the foot of the perpendicular on the infinite carrier line.
-  double paramOf(const AcGePoint3d& pnt) const;
+  double paramOf(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const override;
+  double length(double fromParam, double toParam, const AcGeTol& tol = AcGeContext::gTol) const override;
+  double paramAtLength(double fromParam, double length, bool forward = true,
+                       const AcGeTol& tol = AcGeContext::gTol) const override;
+  double closestParamTo(const AcGePoint3d& pnt) const override;
+  void normalParams(const AcGePoint3d& pnt, std::vector<double>& params) const override;
+  AcGeBoundBlock3d boundBlock() const override;
   // True when param lies in the range, widened by the point tolerance.
   bool isParamWithin(double param, const AcGeTol& tol = AcGeContext::gTol) const;
-
-  AcGePoint3d closestPointTo(const AcGePoint3d& pnt) const;
-  double distanceTo(const AcGePoint3d& pnt) const { return closestPointTo(pnt).distanceTo(pnt); }
-  bool isOn(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const override;
 
   // Single meeting point of two linear entities within both extents. Parallel
   // (including overlapping collinear) and skew entities give false.

@@ -1,0 +1,30 @@
+#pragma once
+#include "kxrender/AcGeEntity3d.h"
+#include "kxrender/Export.h"
+
+// Axis-aligned box. A default box is empty (it holds no point) until
+// extended.
+class KXRENDER_API AcGeBoundBlock3d : public AcGeEntity3d {
+public:
+  AcGeBoundBlock3d();
+  AcGeBoundBlock3d(const AcGePoint3d& p1, const AcGePoint3d& p2) { set(p1, p2); }
+
+  AcGe::EntityId type() const override { return AcGe::kBoundBlock3d; }
+  bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kBoundBlock3d || AcGeEntity3d::isKindOf(id); }
+
+  // The box spanned by two opposite corners, in any order.
+  AcGeBoundBlock3d& set(const AcGePoint3d& p1, const AcGePoint3d& p2);
+  AcGeBoundBlock3d& extend(const AcGePoint3d& pnt);
+  AcGeBoundBlock3d& swell(double distance);
+  void getMinMaxPoints(AcGePoint3d& minPoint, AcGePoint3d& maxPoint) const { minPoint = mMin; maxPoint = mMax; }
+  bool isEmpty() const { return !(mMin.x <= mMax.x && mMin.y <= mMax.y && mMin.z <= mMax.z); }
+  bool contains(const AcGePoint3d& pnt) const;
+  bool isDisjoint(const AcGeBoundBlock3d& other) const;
+  bool isOn(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const override;
+  // The box of the transformed corners.
+  AcGeBoundBlock3d& transformBy(const AcGeMatrix3d& mat) override;
+
+private:
+  AcGePoint3d mMin;
+  AcGePoint3d mMax;
+};
