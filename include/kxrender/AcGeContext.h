@@ -1,0 +1,10 @@
+#pragma once
+#include "kxrender/AcGeTol.h"
+#include "kxrender/Export.h"
+
+// Process-wide geometry settings: the tolerance used wherever a caller has
+// none of its own.
+class KXRENDER_API AcGeContext {
+public:
+  static AcGeTol gTol;
+};

@@ -1,0 +1,49 @@
+#pragma once
+#include <limits>
+
+#include "kxrender/AcGeEntity3d.h"
+#include "kxrender/AcGeVector3d.h"
+#include "kxrender/Export.h"
+
+class AcGePlanarEnt;
+
+// Straight entity p(t) = point + t * vector. Lines, rays and segments differ
+// only in the parameter range they accept: all of t, t >= 0, 0 <= t <= 1.
+class KXRENDER_API AcGeLinearEnt3d : public AcGeEntity3d {
+public:
+  bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kLinearEnt3d || AcGeEntity3d::isKindOf(id); }
+
+  // The entity's first point (origin of a line or ray, start of a segment).
+  AcGePoint3d pointOnLine() const { return mPoint; }
+  // Unit direction; zero for a degenerate entity.
+  AcGeVector3d direction() const { return mVector.normal(); }
+
+  // Parameter range; infinite ends are +-infinity.
+  virtual void getInterval(double& lower, double& upper) const = 0;
+  AcGePoint3d evalPoint(double param) const { return mPoint + mVector * param; }
+  // Parameter of the foot of the perpendicular on the infinite carrier line.
+  double paramOf(const AcGePoint3d& pnt) const;
+  // True when param lies in the range, widened by the point tolerance.
+  bool isParamWithin(double param, const AcGeTol& tol = AcGeContext::gTol) const;
+
+  AcGePoint3d closestPointTo(const AcGePoint3d& pnt) const;
+  double distanceTo(const AcGePoint3d& pnt) const { return closestPointTo(pnt).distanceTo(pnt); }
+  bool isOn(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const override;
+
+  // Single meeting point of two linear entities within both extents. Parallel
+  // (including overlapping collinear) and skew entities give false.
+  bool intersectWith(const AcGeLinearEnt3d& other, AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const;
+  bool intersectWith(const AcGePlanarEnt& plane, AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const;
+  bool isParallelTo(const AcGeLinearEnt3d& other, const AcGeTol& tol = AcGeContext::gTol) const {
+    return mVector.isParallelTo(other.mVector, tol);
+  }
+
+  AcGeLinearEnt3d& transformBy(const AcGeMatrix3d& mat) override;
+
+protected:
+  AcGeLinearEnt3d() = default;
+  AcGeLinearEnt3d(const AcGePoint3d& pnt, const AcGeVector3d& vec) : mPoint(pnt), mVector(vec) {}
+
+  AcGePoint3d mPoint;
+  AcGeVector3d mVector{1.0, 0.0, 0.0};
+};

@@ -1,0 +1,25 @@
+#pragma once
+#include "kxrender/AcGeLinearEnt2d.h"
+#include "kxrender/Export.h"
+
+// Half line in the plane.
+class KXRENDER_API AcGeRay2d : public AcGeLinearEnt2d {
+public:
+  AcGeRay2d() = default;
+  AcGeRay2d(const AcGePoint2d& origin, const AcGeVector2d& dir) : AcGeLinearEnt2d(origin, dir) {}
+  AcGeRay2d(const AcGePoint2d& origin, const AcGePoint2d& through) : AcGeLinearEnt2d(origin, through - origin) {}
+
+  AcGeRay2d& set(const AcGePoint2d& origin, const AcGeVector2d& dir) { mPoint = origin; mVector = dir; return *this; }
+  AcGeRay2d& set(const AcGePoint2d& origin, const AcGePoint2d& through) {
+    mPoint = origin;
+    mVector = through - origin;
+    return *this;
+  }
+
+  AcGe::EntityId type() const override { return AcGe::kRay2d; }
+  bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kRay2d || AcGeLinearEnt2d::isKindOf(id); }
+  void getInterval(double& lower, double& upper) const override {
+    lower = 0.0;
+    upper = std::numeric_limits<double>::infinity();
+  }
+};

@@ -1,0 +1,259 @@
+// Points, vectors, tolerances and matrices.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include "kxrender/AcGeContext.h"
+#include "kxrender/AcGeMatrix3d.h"
+#include "kxrender/AcGePlane.h"
+#include "kxrender/AcGePoint2d.h"
+#include "kxrender/AcGePoint3d.h"
+#include "kxrender/AcGeVector2d.h"
+#include "kxrender/AcGeVector3d.h"
+
+namespace {
+
+const double kNaN = std::numeric_limits<double>::quiet_NaN();
+const double kInf = std::numeric_limits<double>::infinity();
+
+void expectNear(const AcGePoint3d& a, const AcGePoint3d& b, double eps) {
+  EXPECT_NEAR(a.x, b.x, eps);
+  EXPECT_NEAR(a.y, b.y, eps);
+  EXPECT_NEAR(a.z, b.z, eps);
+}
+
+void expectNear(const AcGeVector3d& a, const AcGeVector3d& b, double eps) {
+  EXPECT_NEAR(a.x, b.x, eps);
+  EXPECT_NEAR(a.y, b.y, eps);
+  EXPECT_NEAR(a.z, b.z, eps);
+}
+
+AcGeVector3d randomVector(std::mt19937& rng, double range) {
+  std::uniform_real_distribution<double> d(-range, range);
+  return AcGeVector3d(d(rng), d(rng), d(rng));
+}
+
+}  // namespace
+
+TEST(AcGeTolTest, DefaultsAndOverride) {
+  AcGeTol tol;
+  EXPECT_EQ(tol.equalPoint(), 1e-10);
+  EXPECT_EQ(tol.equalVector(), 1e-12);
+  tol.setEqualPoint(0.001);
+  EXPECT_EQ(tol.equalVector(), 1e-12);
+  EXPECT_EQ(AcGeContext::gTol.equalPoint(), 1e-10);
+  EXPECT_EQ(AcGeContext::gTol.equalVector(), 1e-12);
+}
+
+TEST(AcGePoint3dTest, LayoutIsThreeContiguousDoubles) {
+  static_assert(sizeof(AcGePoint3d) == 3 * sizeof(double), "points are passed as flat arrays");
+  AcGePoint3d pts[2] = {AcGePoint3d(1, 2, 3), AcGePoint3d(4, 5, 6)};
+  const double* flat = &pts[0].x;
+  EXPECT_EQ(flat[2], 3.0);
+  EXPECT_EQ(flat[3], 4.0);
+  EXPECT_EQ(flat[5], 6.0);
+}
+
+TEST(AcGePoint3dTest, ArithmeticAndEquality) {
+  AcGePoint3d p(1, 2, 3), q(4, 6, 3);
+  AcGeVector3d d = q - p;
+  expectNear(d, AcGeVector3d(3, 4, 0), 0);
+  EXPECT_DOUBLE_EQ(p.distanceTo(q), 5.0);
+  expectNear(p + d * 2.0, AcGePoint3d(7, 10, 3), 0);
+  EXPECT_TRUE(AcGePoint3d::kOrigin.isEqualTo(AcGePoint3d()));
+  AcGeTol tol;
+  tol.setEqualPoint(0.5);
+  EXPECT_TRUE(p.isEqualTo(AcGePoint3d(1.4, 2, 3), tol));
+  EXPECT_FALSE(p.isEqualTo(AcGePoint3d(1.6, 2, 3), tol));
+  EXPECT_FALSE(p.isEqualTo(AcGePoint3d(kNaN, 2, 3)));
+}
+
+TEST(AcGePoint3dTest, ScaleAndProject) {
+  AcGePoint3d p(3, 3, 3);
+  p.scaleBy(2.0, AcGePoint3d(1, 1, 1));
+  expectNear(p, AcGePoint3d(5, 5, 5), 1e-15);
+  // Oblique projection along (1, 0, -1) onto z = 0 moves x by z.
+  AcGePoint3d q = AcGePoint3d(1, 2, 3).project(AcGePlane::kXYPlane, AcGeVector3d(1, 0, -1));
+  expectNear(q, AcGePoint3d(4, 2, 0), 1e-14);
+  // No intersection when the direction is parallel to the plane.
+  AcGePoint3d r = AcGePoint3d(1, 2, 3).project(AcGePlane::kXYPlane, AcGeVector3d(1, 0, 0));
+  expectNear(r, AcGePoint3d(1, 2, 3), 0);
+}
+
+TEST(AcGeVector3dTest, ConstantsAndCross) {
+  expectNear(AcGeVector3d::kIdentity, AcGeVector3d(0, 0, 0), 0);
+  expectNear(AcGeVector3d::kXAxis.crossProduct(AcGeVector3d::kYAxis), AcGeVector3d::kZAxis, 0);
+  expectNear(AcGeVector3d::kYAxis.crossProduct(AcGeVector3d::kXAxis), -AcGeVector3d::kZAxis, 0);
+}
+
+TEST(AcGeVector3dTest, NormalOfZeroAndNonFinite) {
+  expectNear(AcGeVector3d().normal(), AcGeVector3d(), 0);
+  expectNear(AcGeVector3d(1e-13, 0, 0).normal(), AcGeVector3d(), 0);
+  expectNear(AcGeVector3d(kNaN, 1, 0).normal(), AcGeVector3d(), 0);
+  expectNear(AcGeVector3d(kInf, 0, 0).normal(), AcGeVector3d(), 0);
+  // Squares overflow but the direction is still defined.
+  expectNear(AcGeVector3d(1e300, 1e300, 0).normal(), AcGeVector3d(M_SQRT1_2, M_SQRT1_2, 0), 1e-15);
+  AcGeVector3d v(0, 3, 4);
+  v.normalize();
+  expectNear(v, AcGeVector3d(0, 0.6, 0.8), 1e-15);
+}
+
+TEST(AcGeVector3dTest, AnglesAndDirections) {
+  EXPECT_NEAR(AcGeVector3d(1, 0, 0).angleTo(AcGeVector3d(-1, 0, 0)), M_PI, 1e-15);
+  EXPECT_NEAR(AcGeVector3d(1, 0, 0).angleTo(AcGeVector3d(0, -2, 0)), M_PI / 2, 1e-15);
+  EXPECT_NEAR(AcGeVector3d(1, 0, 0).angleTo(AcGeVector3d(1, 1e-9, 0)), 1e-9, 1e-20);
+  EXPECT_TRUE(AcGeVector3d(1, 1, 0).isCodirectionalTo(AcGeVector3d(5, 5, 0)));
+  EXPECT_FALSE(AcGeVector3d(1, 1, 0).isCodirectionalTo(AcGeVector3d(-5, -5, 0)));
+  EXPECT_FALSE(AcGeVector3d().isCodirectionalTo(AcGeVector3d()));
+  EXPECT_TRUE(AcGeVector3d(1, 1, 0).isParallelTo(AcGeVector3d(-5, -5, 0)));
+  EXPECT_TRUE(AcGeVector3d(1, 0, 0).isEqualTo(AcGeVector3d(1 + 1e-13, 0, 0)));
+  EXPECT_FALSE(AcGeVector3d(1, 0, 0).isEqualTo(AcGeVector3d(1 + 1e-11, 0, 0)));
+}
+
+TEST(AcGeVector3dTest, RotateByRightHandRule) {
+  AcGeVector3d v = AcGeVector3d::kXAxis;
+  v.rotateBy(M_PI / 2, AcGeVector3d::kZAxis);
+  expectNear(v, AcGeVector3d::kYAxis, 1e-15);
+  v.rotateBy(M_PI / 2, AcGeVector3d::kXAxis);
+  expectNear(v, AcGeVector3d::kZAxis, 1e-15);
+  v.rotateBy(1.0, AcGeVector3d());  // zero axis: unchanged
+  expectNear(v, AcGeVector3d::kZAxis, 1e-15);
+}
+
+TEST(AcGeVector2dTest, AngleRanges) {
+  EXPECT_NEAR(AcGeVector2d(0, -1).angle(), 1.5 * M_PI, 1e-15);
+  EXPECT_NEAR(AcGeVector2d(-1, 0).angle(), M_PI, 1e-15);
+  EXPECT_EQ(AcGeVector2d(1, -0.0).angle(), 0.0);
+  EXPECT_NEAR(AcGeVector2d(1, 0).angleTo(AcGeVector2d(0, -1)), M_PI / 2, 1e-15);
+  EXPECT_DOUBLE_EQ(AcGeVector2d::kXAxis.x, 1.0);
+  EXPECT_DOUBLE_EQ(AcGePoint2d(1, 1).distanceTo(AcGePoint2d(4, 5)), 5.0);
+}
+
+TEST(AcGeMatrix3dTest, RotationAboutCenter) {
+  AcGeMatrix3d m;
+  m.setToRotation(M_PI / 2, AcGeVector3d::kZAxis, AcGePoint3d(1, 1, 0));
+  AcGePoint3d p(2, 1, 5);
+  p.transformBy(m);
+  expectNear(p, AcGePoint3d(1, 2, 5), 1e-15);
+  // Vectors ignore the translation.
+  AcGeVector3d v = AcGeVector3d::kXAxis;
+  v.transformBy(m);
+  expectNear(v, AcGeVector3d::kYAxis, 1e-15);
+}
+
+TEST(AcGeMatrix3dTest, TranslationAndMultOrder) {
+  AcGeMatrix3d t = AcGeMatrix3d::translation(AcGeVector3d(1, 2, 3));
+  EXPECT_EQ(t.entry[0][3], 1.0);
+  EXPECT_EQ(t.entry[2][3], 3.0);
+  AcGeMatrix3d r = AcGeMatrix3d::rotation(M_PI / 2, AcGeVector3d::kZAxis);
+  // pre: t * r (rotate first, then translate); post: r * t.
+  AcGeMatrix3d pre = r, post = r;
+  pre.preMultBy(t);
+  post.postMultBy(t);
+  AcGePoint3d p(1, 0, 0);
+  expectNear(pre * p, AcGePoint3d(1, 3, 3), 1e-15);
+  expectNear(post * p, AcGePoint3d(-2, 2, 3), 1e-15);
+  AcGeMatrix3d s = r;
+  s.setTranslation(AcGeVector3d(5, 0, 0));
+  expectNear(s * p, AcGePoint3d(5, 1, 0), 1e-15);
+}
+
+TEST(AcGeMatrix3dTest, MirroringAndScale) {
+  AcGeMatrix3d m;
+  m.setToMirroring(AcGePlane(AcGePoint3d(0, 0, 2), AcGeVector3d(0, 0, 1)));
+  expectNear(m * AcGePoint3d(1, 1, 5), AcGePoint3d(1, 1, -1), 1e-15);
+  EXPECT_NEAR(m.det(), -1.0, 1e-15);
+  AcGeMatrix3d s = AcGeMatrix3d::scaling(3.0, AcGePoint3d(1, 1, 1));
+  EXPECT_DOUBLE_EQ(s.scale(), 3.0);
+  expectNear(s * AcGePoint3d(2, 1, 1), AcGePoint3d(4, 1, 1), 1e-15);
+  AcGeMatrix3d aniso;
+  aniso.entry[1][1] = 7.0;
+  aniso.entry[0][0] = -2.0;
+  EXPECT_DOUBLE_EQ(aniso.scale(), 7.0);
+}
+
+TEST(AcGeMatrix3dTest, SingularInverseIsRefused) {
+  AcGeMatrix3d m;
+  m.entry[2][2] = 0.0;
+  AcGeMatrix3d out = AcGeMatrix3d::translation(AcGeVector3d(9, 9, 9));
+  EXPECT_FALSE(m.inverse(out));
+  EXPECT_EQ(out.entry[0][3], 9.0);  // untouched
+  EXPECT_TRUE(m.inverse().isEqualTo(AcGeMatrix3d::kIdentity));
+  AcGeMatrix3d bad;
+  bad.entry[0][1] = kNaN;
+  EXPECT_TRUE(bad.isSingular());
+}
+
+TEST(AcGeMatrix3dTest, RandomRotationsKeepLengthsAndInvert) {
+  std::mt19937 rng(12345);
+  std::uniform_real_distribution<double> ang(-10.0, 10.0);
+  for (int i = 0; i < 200; ++i) {
+    AcGeVector3d axis = randomVector(rng, 1.0);
+    AcGePoint3d center = AcGePoint3d::kOrigin + randomVector(rng, 100.0);
+    AcGeMatrix3d m = AcGeMatrix3d::rotation(ang(rng), axis, center);
+    AcGePoint3d a = AcGePoint3d::kOrigin + randomVector(rng, 100.0);
+    AcGePoint3d b = AcGePoint3d::kOrigin + randomVector(rng, 100.0);
+    double before = a.distanceTo(b);
+    EXPECT_NEAR((m * a).distanceTo(m * b), before, 1e-12 * (1.0 + before));
+    EXPECT_NEAR(m.det(), 1.0, 1e-12);
+
+    // A general affine matrix times its inverse is the identity.
+    AcGeMatrix3d g;
+    for (int r = 0; r < 3; ++r)
+      for (int c = 0; c < 4; ++c) g.entry[r][c] = std::uniform_real_distribution<double>(-5, 5)(rng);
+    AcGeMatrix3d inv;
+    ASSERT_TRUE(g.inverse(inv));
+    AcGeMatrix3d prod = inv * g;
+    for (int r = 0; r < 4; ++r)
+      for (int c = 0; c < 4; ++c) EXPECT_NEAR(prod.entry[r][c], r == c ? 1.0 : 0.0, 1e-9);
+  }
+}
+
+TEST(AcGeMatrix3dTest, WorldToPlaneRoundTrip) {
+  std::mt19937 rng(777);
+  for (int i = 0; i < 200; ++i) {
+    AcGePoint3d origin = AcGePoint3d::kOrigin + randomVector(rng, 1000.0);
+    AcGeVector3d normal = randomVector(rng, 1.0);
+    AcGePlane plane(origin, normal);
+    AcGeMatrix3d w2p = AcGeMatrix3d::worldToPlane(plane);
+    AcGeMatrix3d p2w = AcGeMatrix3d::planeToWorld(plane);
+    AcGePoint3d p = AcGePoint3d::kOrigin + randomVector(rng, 1000.0);
+    expectNear(p2w * (w2p * p), p, 1e-9);
+    // The plane origin goes to the world origin, the normal to +z.
+    expectNear(w2p * origin, AcGePoint3d::kOrigin, 1e-9);
+    AcGeVector3d n = plane.normal();
+    expectNear(n.transformBy(w2p), AcGeVector3d::kZAxis, 1e-12);
+    // Points of the plane land on z = 0.
+    AcGePoint3d onPlane = origin + normal.perpVector() * 10.0;
+    EXPECT_NEAR((w2p * onPlane).z, 0.0, 1e-9);
+    AcGeMatrix3d viaSetter;
+    viaSetter.setToWorldToPlane(plane);
+    EXPECT_TRUE(viaSetter.isEqualTo(w2p));
+  }
+  // The XY plane keeps the world axes.
+  EXPECT_TRUE(AcGeMatrix3d::worldToPlane(AcGePlane::kXYPlane).isEqualTo(AcGeMatrix3d::kIdentity));
+}
+
+TEST(AcGeMatrix3dTest, AlignCoordSysMapsFrames) {
+  std::mt19937 rng(4242);
+  for (int i = 0; i < 100; ++i) {
+    AcGePoint3d fo = AcGePoint3d::kOrigin + randomVector(rng, 50.0);
+    AcGePoint3d to = AcGePoint3d::kOrigin + randomVector(rng, 50.0);
+    AcGeVector3d fx = randomVector(rng, 1.0), fy = randomVector(rng, 1.0);
+    AcGeVector3d fz = fx.crossProduct(fy);
+    AcGeVector3d tx = randomVector(rng, 2.0), ty = randomVector(rng, 2.0);
+    AcGeVector3d tz = ty.crossProduct(tx);
+    AcGeMatrix3d m = AcGeMatrix3d::alignCoordSys(fo, fx, fy, fz, to, tx, ty, tz);
+    expectNear(m * fo, to, 1e-9);
+    expectNear(m * (fo + fx), to + tx, 1e-8);
+    expectNear(m * (fo + fy), to + ty, 1e-8);
+    expectNear(m * (fo + fz), to + tz, 1e-8);
+  }
+  // A flat "from" frame cannot be aligned: identity.
+  AcGeMatrix3d flat = AcGeMatrix3d::alignCoordSys(AcGePoint3d(), AcGeVector3d::kXAxis, AcGeVector3d::kXAxis,
+                                                  AcGeVector3d::kZAxis, AcGePoint3d(1, 1, 1), AcGeVector3d::kXAxis,
+                                                  AcGeVector3d::kYAxis, AcGeVector3d::kZAxis);
+  EXPECT_TRUE(flat.isEqualTo(AcGeMatrix3d::kIdentity));
+}
