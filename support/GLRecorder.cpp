@@ -51,7 +51,7 @@ struct RecordCall {
   void operator()(A... a) const {
     GLCall call;
     call.name = display;
-    ArgSink sink{fn, call.args};
+    [[maybe_unused]] ArgSink sink{fn, call.args};
     (sink.add(a), ...);
     g_active->record(std::move(call));
   }
