@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -14,11 +15,14 @@ namespace {
 
 const uint8_t kTag[4] = {'t', 'w', 'i', 'n'};
 
-// An abstract socket name: nothing on disk to clean up, and per user.
+// An abstract socket name: nothing on disk to clean up, and per user unless
+// KXTRACE_CHANNEL names another (to run several viewers side by side).
 socklen_t channelAddress(sockaddr_un& addr) {
   std::memset(&addr, 0, sizeof addr);
   addr.sun_family = AF_UNIX;
-  const std::string name = "kxtrace-" + std::to_string(getuid());
+  const char* custom = std::getenv("KXTRACE_CHANNEL");
+  std::string name = (custom && *custom) ? custom : "kxtrace-" + std::to_string(getuid());
+  if (name.size() > sizeof addr.sun_path - 2) name.resize(sizeof addr.sun_path - 2);
   std::memcpy(addr.sun_path + 1, name.data(), name.size());
   return static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name.size());
 }

@@ -18,6 +18,7 @@ class KXRENDER_API CUseTime {
   void print(const CString& label);
 
  private:
+  friend struct CUseTimeAccess;  // lets tests set the counts
   void reset() { startCount = endCount; }
 
   int64_t frequency;

@@ -1,6 +1,6 @@
 #pragma once
 // The local channel trace lines travel on: each line is one datagram on a
-// per-user Unix socket, framed as the viewer record: the tag "twin", the
+// per-user Unix socket (or the one the variable KXTRACE_CHANNEL names), framed as the viewer record: the tag "twin", the
 // byte count (32-bit little-endian), then the bytes (no terminating zero).
 #include <cstddef>
 #include <string>
