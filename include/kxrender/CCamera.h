@@ -1,0 +1,53 @@
+#pragma once
+// The eye of a scene: a position and two directions (up and forward), with
+// the moves and turns navigation is built from. Angles are radians.
+#include "kxrender/AcGePoint3d.h"
+#include "kxrender/AcGeVector3d.h"
+#include "kxrender/Export.h"
+
+class CArchive;
+
+class KXRENDER_API CCamera {
+ public:
+  CCamera() = default;
+  CCamera(const CCamera&) = default;
+  CCamera& operator=(const CCamera&) = default;
+  ~CCamera() = default;
+
+  void ReSet();
+  void ReSet(const AcGeVector3d& location, const AcGeVector3d& up, const AcGeVector3d& forward);
+  // gluLookAt(location, location + forward, up) on the current matrix.
+  void look() const;
+
+  AcGeVector3d GetVLocation() const { return m_vLocation; }
+  AcGeVector3d GetVUp() const { return m_vUp; }
+  const AcGeVector3d& GetVUpRef() const { return m_vUp; }
+  AcGeVector3d GetVForward() const { return m_vForward; }
+
+  void MoveCameraForward(double d);
+  void MoveCameraRight(double d);
+  void MoveCameraUp(double d);
+  void TranslateCaremaWorld(const AcGeVector3d& v);
+  void TranslateCaremaLocal(const AcGeVector3d& v);
+  void RotateCaremaLocalX(double a);
+  void RotateCaremaLocalY(double a);
+  void RotateCaremaLocalZ(double a);
+  void RotateCaremaRealWorldZ(double a, const AcGePoint3d& p);
+  void RotateCaremaRight(double a, const AcGePoint3d& p);
+  void RotateCaremaUp(double a, const AcGePoint3d& p);
+  void RotateCaremaFront(double a, const AcGePoint3d& p);
+  // Slides the eye along its line of sight onto the plane through p that is
+  // perpendicular to forward.
+  void OrthoNormal(const AcGePoint3d& p);
+
+  // Nine doubles: location, forward, up (forward before up).
+  virtual void Serialize(CArchive& ar);
+
+ private:
+  // up x forward, not normalised.
+  AcGeVector3d side() const { return m_vUp.crossProduct(m_vForward); }
+
+  AcGeVector3d m_vLocation{0.0, 0.0, 0.0};
+  AcGeVector3d m_vUp{0.0, 1.0, 0.0};
+  AcGeVector3d m_vForward{0.0, 0.0, -1.0};
+};

@@ -1,0 +1,26 @@
+#pragma once
+#include <vector>
+
+#include "kxrender/CFile.h"
+
+// A file in memory: writes append to a growable buffer, reads consume it
+// from the start (or from data given to the constructor).
+class KXRENDER_API CMemFile : public CFile {
+ public:
+  CMemFile() = default;
+  CMemFile(const void* data, size_t size);
+
+  bool Open(const char*, UINT) override { return true; }
+  void Close() override {}
+  UINT Read(void* buffer, UINT count) override;
+  bool Write(const void* buffer, UINT count) override;
+  void Flush() override {}
+
+  const std::vector<BYTE>& data() const { return m_data; }
+  size_t position() const { return m_pos; }
+  void SeekToBegin() { m_pos = 0; }
+
+ private:
+  std::vector<BYTE> m_data;
+  size_t m_pos = 0;
+};

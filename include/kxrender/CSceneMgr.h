@@ -1,0 +1,207 @@
+#pragma once
+// One 3D view on one host window: its rendering context, frame, camera,
+// projection and the objects it draws.
+#include <deque>
+#include <list>
+#include <vector>
+
+#include "kxrender/AcGePlane.h"
+#include "kxrender/AcGePoint3d.h"
+#include "kxrender/AcGeVector2d.h"
+#include "kxrender/CCamera.h"
+#include "kxrender/CColor.h"
+#include "kxrender/CObjectSetMgr.h"
+#include "kxrender/CPoint.h"
+#include "kxrender/CRect.h"
+#include "kxrender/CRenderObject.h"
+#include "kxrender/CTextureMgr.h"
+#include "kxrender/Export.h"
+#include "kxrender/GripPoint.h"
+#include "kxrender/KxWindow.h"
+
+class KXRENDER_API CSceneMgr {
+ public:
+  enum ProjectPlane { PLANE_XY = 0, PLANE_XZ = 1, PLANE_YZ = 2, PLANE_NEAR = 3, PLANE_FAR = 4 };
+  typedef int OrbitStatus;
+  typedef void (*Scene2ModelFun)(CSceneMgr*);
+
+  CSceneMgr();
+  CSceneMgr(const CSceneMgr& other);
+  CSceneMgr& operator=(const CSceneMgr& other);
+  ~CSceneMgr();
+
+  // --- lifecycle -------------------------------------------------------
+  // Binds the scene to a window: pixel format, context, GL state, light,
+  // viewport. `bFlag` is accepted and has no effect.
+  bool initializeRender(HWND hWnd, bool bFlag, bool bDrawCoordinate);
+  void glInit();
+  void lightInit();
+  void setLightOpen(bool b);
+  bool isLightOpen() const { return m_bLightOpen; }
+  // One frame; the caller then calls finish().
+  void render();
+  // Presents the frame and records the time.
+  void finish();
+  void closeHRC();
+  void restoreHRC();
+  void glRelease();
+  void releaseRender() { glRelease(); }
+  void addRemovedDispList(unsigned int id) { m_removedDispLists.push_back(id); }
+
+  static CSceneMgr* getCurrentScenePtr() { return m_currentScenePtr; }
+  // Chooses a double-buffered RGBA format with depth and stencil buffers.
+  static bool choosePixelFormatEx(HDC hDC, int& format);
+
+  // --- projection and conversion ----------------------------------------
+  void setViewport();
+  void updateFrustumAndMatrix();
+  double dRange() const { return m_dRange; }
+  bool setRange(double r);
+  bool scaleRange(double f);
+  double getPixelsPerUnit() const;
+  double getPickPrecision() const;
+  CPoint world2screen(const AcGePoint3d& p) const;
+  void world2screen(const AcGePoint3d& p, CPoint& out) const;
+  void getPointOfIntersectionThatEyeToNearFarFrustumPlane(CPoint pt, AcGePoint3d& nearPt, AcGePoint3d& farPt) const;
+  AcGePoint3d screen2world(CPoint pt, ProjectPlane plane) const;
+  AcGePoint3d screen2world(CPoint pt, const AcGePlane& plane) const;
+  static AcGeVector3d ScreenVectorTo3d(AcGeVector2d v, const CCamera& cam);
+  const double* getProjectionMatrix() const { return m_projMatrix; }
+  const double* getModelViewMatrix() const { return m_modelViewMatrix; }
+  const int* getViewport() const { return m_viewport; }
+  const std::vector<std::vector<double>>& getFrustumPlanes() const { return m_frustumPlanes; }
+
+  // --- overlays ----------------------------------------------------------
+  void setCoordVP();
+  void drawCoordinate();
+  void draw3dOrbit();
+
+  // --- state ---------------------------------------------------------------
+  HWND getWndHandle() const { return m_hWnd; }
+  HGLRC getHRC() const { return m_hRC; }
+  HDC getHDC() const { return m_hDC; }
+  ProjectPlane projectPlane() const { return m_projectPlane; }
+  void setProjectPlane(ProjectPlane p) { m_projectPlane = p; }
+  double getViewWidth() const { return m_viewWidth; }
+  double getViewHeight() const { return m_viewHeight; }
+  double getFrustumWidth() const { return m_frustumWidth; }
+  double getFrustumHeight() const { return m_frustumHeight; }
+  void SetOrbitStatus(OrbitStatus s) { m_orbitStatus = s; }
+  OrbitStatus GetOrbitStatus() const { return m_orbitStatus; }
+  CCamera* camera() { return &m_camera; }
+  const CCamera* camera() const { return &m_camera; }
+  void SetScene2ModelFunPtr(Scene2ModelFun fn) { m_pfnScene2Model = fn; }
+  void SetModelCam();
+  bool isShadow() const { return m_bShadow; }
+  void setShadow(bool b) { m_bShadow = b; }
+  const float* getLightpos() const { return m_lightPos; }
+  void setLightpos(const float* p);
+  // Tolerates being called through a null scene pointer (gives null).
+  CObjectSetMgr* getObjSetMgr();
+  CRenderObject::RenderMode getRenderMode() const { return m_objSetMgr.getRenderMode(); }
+  void setRenderMode(CRenderObject::RenderMode mode) { m_objSetMgr.setRenderMode(mode); }
+  CRenderObject* getObj(unsigned int id) const { return m_objSetMgr.getObj(id); }
+  bool is_exist(unsigned int id) const { return getObj(id) != nullptr; }
+  unsigned long getSnapMode() const { return m_snapMode; }
+  void setSnapMode(unsigned long mode) { m_snapMode = mode; }
+  void setSnapFirstPt(bool b, const AcGePoint3d& p) {
+    m_bSnapFirstPt = b;
+    m_snapFirstPt = p;
+  }
+  int getPickPixelPrecision() const { return m_pickPixelPrecision; }
+  void setPickPixelPrecision(int p) { m_pickPixelPrecision = p; }
+  // Windows colour values: red in the low byte.
+  void setBkColor(unsigned long color) { m_bkColor.set(color); }
+  unsigned long getBkColor() const { return m_bkColor.getColor(); }
+  void getBkColor(CColor& color) const { color = m_bkColor; }
+  CColor& getBkColorRef() { return m_bkColor; }
+  unsigned char getTransparent() const { return m_transparent; }
+  void setTransparent(unsigned char a) { m_transparent = a; }
+  void setOffsetPos(const AcGePoint3d& p) { m_offsetPos = p; }
+  AcGePoint3d getOffsetPos() const { return m_offsetPos; }
+  bool openglSupportVertexBufferObject() const { return m_bSupportVBO; }
+  CTextureMgr* getTextureMgrPtr() { return &m_textureMgr; }
+  bool isBack() const { return m_bBack; }
+  void setBack(bool b) { m_bBack = b; }
+  bool isDrawGrip() const { return m_bDrawGrip; }
+  void setDrawGrip(bool b) { m_bDrawGrip = b; }
+  bool isAccelerate() const { return m_bAccelerate; }
+  void setAccelerate(bool b) { m_bAccelerate = b; }
+  unsigned long getLastRenderTime() const { return m_lastRenderTime; }
+  bool GetViewRect(CRect& rc) const;
+
+  // Grip points of the current frame; the scene owns them.
+  void addGripPt(GripPoint* grip);
+  void clearGripPt();
+  // The grip nearest to pt within the pick aperture, or null.
+  GripPoint* findGripPt(const CPoint& pt) const;
+  const std::list<GripPoint*>& gripPts() const { return m_gripPts; }
+
+  // Objects drawn transparent when part transparency is on.
+  bool GetPartTrans() const { return m_bPartTrans; }
+  void SetPartTrans(bool b) { m_bPartTrans = b; }
+  void SetPartTransIds(const std::vector<unsigned int>& ids) { m_partTransIds = ids; }
+  std::vector<unsigned int> GetPartTransIds() const { return m_partTransIds; }
+  void AddPartTransId(unsigned int id);
+  void DelPartTransId(unsigned int id);
+  void ClearAllPartTransId() { m_partTransIds.clear(); }
+
+  const std::vector<unsigned int>& removedDispLists() const { return m_removedDispLists; }
+
+  static CSceneMgr* m_currentScenePtr;
+  static int g_nPixelFormat;
+
+ private:
+  struct CameraRecord {
+    bool merge;
+    unsigned long time;
+    CCamera camera;
+    double range;
+  };
+  void copyFrom(const CSceneMgr& other);
+
+  std::vector<std::vector<double>> m_frustumPlanes;
+  HWND m_hWnd = nullptr;
+  HGLRC m_hRC = nullptr;
+  HDC m_hDC = nullptr;
+  ProjectPlane m_projectPlane = PLANE_XY;
+  int m_viewWidth = 0;
+  int m_viewHeight = 0;
+  double m_frustumWidth = 0.0;
+  double m_frustumHeight = 0.0;
+  double m_dRange = 150.0;
+  int m_bPerspective = 0;
+  OrbitStatus m_orbitStatus = 0;
+  CCamera m_camera;
+  std::deque<CameraRecord> m_cameraStack;
+  Scene2ModelFun m_pfnScene2Model = nullptr;
+  bool m_bShadow = false;
+  float m_lightPos[4] = {10.0f, 10.0f, 10.0f, 0.0f};
+  bool m_bLightOpen = true;
+  double m_projMatrix[16] = {};
+  double m_modelViewMatrix[16] = {};
+  int m_viewport[4] = {};
+  CObjectSetMgr m_objSetMgr;
+  unsigned long m_snapMode = 0;
+  bool m_bSnapFirstPt = false;
+  AcGePoint3d m_snapFirstPt;
+  bool m_bRotateCenter = false;
+  AcGePoint3d m_rotateCenter;
+  int m_pickPixelPrecision = 12;
+  CColor m_bkColor{0, 0, 0, 255};
+  HGLRC m_hDibRC = nullptr;
+  HDC m_hDibDC = nullptr;
+  unsigned char m_transparent = 255;
+  AcGePoint3d m_offsetPos;
+  bool m_bSupportVBO = false;
+  CTextureMgr m_textureMgr;
+  bool m_bBack = false;
+  bool m_bDrawCoordinate = true;
+  bool m_bDrawGrip = false;
+  bool m_bAccelerate = false;
+  unsigned long m_lastRenderTime = 0;
+  std::list<GripPoint*> m_gripPts;
+  bool m_bPartTrans = false;
+  std::vector<unsigned int> m_partTransIds;
+  std::vector<unsigned int> m_removedDispLists;
+};

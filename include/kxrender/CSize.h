@@ -1,0 +1,12 @@
+#pragma once
+#include "kxrender/Win32Types.h"
+
+class CSize : public SIZE {
+ public:
+  CSize() : SIZE{0, 0} {}
+  CSize(int w, int h) : SIZE{w, h} {}
+  bool operator==(const CSize& o) const { return cx == o.cx && cy == o.cy; }
+  bool operator!=(const CSize& o) const { return !(*this == o); }
+  CSize operator+(const CSize& o) const { return CSize(cx + o.cx, cy + o.cy); }
+  CSize operator-(const CSize& o) const { return CSize(cx - o.cx, cy - o.cy); }
+};

@@ -1,0 +1,29 @@
+#pragma once
+// Stopwatch on the high-resolution counter.
+#include <cstdint>
+
+#include "kxrender/CString.h"
+
+class KXRENDER_API CUseTime {
+ public:
+  explicit CUseTime(bool silent);
+  void start();
+  void end();
+  // Elapsed microseconds between start and end (low 32 bits).
+  unsigned int getTime() const;
+  // Elapsed milliseconds with three decimals, e.g. "1.500".
+  CString GetTimeStr() const;
+  void setPrint(bool enabled) { printEnabled = enabled; }
+  // Sends "\n<label>:<milliseconds>" to the trace viewer unless silenced.
+  void print(const CString& label);
+
+ private:
+  friend struct CUseTimeAccess;  // lets tests set the counts
+  void reset() { startCount = endCount; }
+
+  int64_t frequency;
+  int64_t startCount;
+  int64_t endCount;
+  bool printEnabled;
+  bool silent;
+};

@@ -1,0 +1,12 @@
+#pragma once
+// RGBA images as PNG files (rows from the top, four bytes a pixel).
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "kxrender/Export.h"
+
+KXRENDER_API bool KxWritePng(const std::string& path, const std::vector<uint8_t>& rgba, int width, int height);
+// Any PNG colour type is expanded to 8-bit RGBA. False for a missing or
+// corrupt file, or one larger than 16384 pixels a side.
+KXRENDER_API bool KxReadPng(const std::string& path, std::vector<uint8_t>& rgba, int& width, int& height);

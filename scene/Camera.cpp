@@ -1,0 +1,91 @@
+#include "kxrender/AcGeLine3d.h"
+#include "kxrender/AcGePlane.h"
+#include "kxrender/CArchive.h"
+#include "kxrender/CCamera.h"
+#include "support/GLTable.h"
+
+void CCamera::ReSet() { *this = CCamera(); }
+
+void CCamera::ReSet(const AcGeVector3d& location, const AcGeVector3d& up, const AcGeVector3d& forward) {
+  m_vLocation = location;
+  m_vUp = up;
+  m_vForward = forward;
+}
+
+void CCamera::look() const {
+  const AcGeVector3d c = m_vLocation + m_vForward;
+  kgl->gluLookAt(m_vLocation.x, m_vLocation.y, m_vLocation.z, c.x, c.y, c.z, m_vUp.x, m_vUp.y, m_vUp.z);
+}
+
+void CCamera::MoveCameraForward(double d) { m_vLocation += m_vForward * d; }
+void CCamera::MoveCameraRight(double d) { m_vLocation += side() * d; }
+void CCamera::MoveCameraUp(double d) { m_vLocation += m_vUp * d; }
+void CCamera::TranslateCaremaWorld(const AcGeVector3d& v) { m_vLocation += v; }
+
+void CCamera::TranslateCaremaLocal(const AcGeVector3d& v) {
+  m_vLocation += side() * v.x;
+  m_vLocation += m_vUp * v.y;
+  m_vLocation += m_vForward * v.z;
+}
+
+void CCamera::RotateCaremaLocalX(double a) {
+  const AcGeVector3d axis = side();
+  m_vForward.rotateBy(a, axis);
+  m_vUp.rotateBy(a, axis);
+}
+
+void CCamera::RotateCaremaLocalY(double a) { m_vForward.rotateBy(a, m_vUp); }
+void CCamera::RotateCaremaLocalZ(double a) { m_vUp.rotateBy(a, m_vForward); }
+
+void CCamera::RotateCaremaRealWorldZ(double a, const AcGePoint3d& p) {
+  const AcGeVector3d z(0.0, 0.0, 1.0);
+  m_vLocation.x -= p.x;
+  m_vLocation.y -= p.y;
+  m_vLocation.rotateBy(a, z);
+  m_vLocation.x += p.x;
+  m_vLocation.y += p.y;
+  m_vForward.rotateBy(a, z);
+  m_vUp.rotateBy(a, z);
+}
+
+void CCamera::RotateCaremaRight(double a, const AcGePoint3d& p) {
+  AcGeVector3d d = m_vLocation - p.asVector();
+  const AcGeVector3d axis = side();
+  m_vForward.rotateBy(a, axis);
+  m_vUp.rotateBy(a, axis);
+  d.rotateBy(a, axis);
+  m_vLocation = p.asVector() + d;
+}
+
+void CCamera::RotateCaremaUp(double a, const AcGePoint3d& p) {
+  AcGeVector3d d = m_vLocation - p.asVector();
+  const AcGeVector3d axis = m_vUp;
+  m_vForward.rotateBy(a, axis);
+  d.rotateBy(a, axis);
+  m_vLocation = p.asVector() + d;
+}
+
+void CCamera::RotateCaremaFront(double a, const AcGePoint3d& p) {
+  AcGeVector3d d = m_vLocation - p.asVector();
+  const AcGeVector3d axis = m_vForward;
+  m_vUp.rotateBy(a, axis);
+  d.rotateBy(a, axis);
+  m_vLocation = p.asVector() + d;
+}
+
+void CCamera::OrthoNormal(const AcGePoint3d& p) {
+  if (m_vForward.isZeroLength()) return;
+  const AcGePlane plane(p, m_vForward);
+  const AcGePoint3d eye(m_vLocation.x, m_vLocation.y, m_vLocation.z);
+  const AcGeLine3d sight(eye, m_vForward);
+  AcGePoint3d hit;
+  if (plane.intersectWith(sight, hit)) m_vLocation = hit.asVector();
+}
+
+void CCamera::Serialize(CArchive& ar) {
+  AcGeVector3d* order[3] = {&m_vLocation, &m_vForward, &m_vUp};
+  for (AcGeVector3d* v : order) {
+    if (ar.IsStoring()) ar << v->x << v->y << v->z;
+    else ar >> v->x >> v->y >> v->z;
+  }
+}

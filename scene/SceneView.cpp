@@ -1,0 +1,147 @@
+// Projection of each frame, the frustum planes, and screen/world conversion.
+#include <algorithm>
+
+#include "kxrender/AcGeLine3d.h"
+#include "kxrender/CSceneMgr.h"
+#include "support/GLTable.h"
+
+void CSceneMgr::setViewport() {
+  RECT rc = {0, 0, 0, 0};
+  GetClientRect(m_hWnd, &rc);
+  const int w = std::max<int>(1, rc.right - rc.left);
+  const int h = std::max<int>(1, rc.bottom - rc.top);
+  kgl->Viewport(0, 0, w, h);
+  kgl->MatrixMode(GL_PROJECTION);
+  kgl->LoadIdentity();
+
+  double fw, fh;
+  if (w <= h) {
+    fw = m_dRange;
+    fh = h * m_dRange / w;
+  } else {
+    fw = w * m_dRange / h;
+    fh = m_dRange;
+  }
+  const double larger = std::max(fw, fh);
+
+  if (m_bPerspective == 0) {
+    AcGePoint3d boxMin, boxMax;
+    m_objSetMgr.getBox(boxMin, boxMax);
+    const AcGePoint3d centre = boxMin + (boxMax - boxMin) * 0.5;
+    m_camera.OrthoNormal(centre);
+    const double rad = 0.5 * boxMin.distanceTo(boxMax);
+    // The eye sits level with the box centre and the volume reaches as far
+    // behind it as in front, so the eye's place never clips the model.
+    const double n = std::min(-100.0 * larger, -rad);
+    const double f = std::max(100.0 * larger, rad);
+    kgl->Ortho(-fw, fw, -fh, fh, 2.0 * n, 2.0 * f);
+  } else {
+    kgl->gluPerspective(45.0, static_cast<double>(w / h), 0.1, 1000.0);  // integer aspect, kept
+  }
+  kgl->MatrixMode(GL_MODELVIEW);
+  kgl->LoadIdentity();
+  m_viewWidth = w;
+  m_viewHeight = h;
+  m_frustumWidth = fw;
+  m_frustumHeight = fh;
+}
+
+void CSceneMgr::updateFrustumAndMatrix() {
+  kgl->GetDoublev(GL_MODELVIEW_MATRIX, m_modelViewMatrix);
+  kgl->GetDoublev(GL_PROJECTION_MATRIX, m_projMatrix);
+  kgl->GetIntegerv(GL_VIEWPORT, m_viewport);
+
+  double clip[16];
+  for (int j = 0; j < 4; ++j)
+    for (int i = 0; i < 4; ++i) {
+      double sum = 0.0;
+      for (int k = 0; k < 4; ++k) sum += m_modelViewMatrix[4 * j + k] * m_projMatrix[4 * k + i];
+      clip[4 * j + i] = static_cast<float>(sum);
+    }
+  auto column = [&clip](int i, int row) { return clip[4 * row + i]; };
+  // right, left, bottom, top, near: C3 -/+ C0, C3 +/- C1, C3 + C2.
+  const int axis[5] = {0, 0, 1, 1, 2};
+  const double sign[5] = {-1.0, 1.0, 1.0, -1.0, 1.0};
+  m_frustumPlanes.assign(5, std::vector<double>(4, 0.0));
+  for (int p = 0; p < 5; ++p) {
+    std::vector<double>& plane = m_frustumPlanes[size_t(p)];
+    for (int row = 0; row < 4; ++row) plane[size_t(row)] = column(3, row) + sign[p] * column(axis[p], row);
+    const float length =
+        static_cast<float>(std::sqrt(plane[0] * plane[0] + plane[1] * plane[1] + plane[2] * plane[2]));
+    if (length > 0.0f)
+      for (double& v : plane) v /= length;
+  }
+}
+
+bool CSceneMgr::setRange(double r) {
+  if (!(r >= 1e-6 && r <= 1e15)) return false;
+  m_dRange = r;
+  return true;
+}
+
+bool CSceneMgr::scaleRange(double f) {
+  const double r = m_dRange * f;
+  if (!(r >= 1e-6 && r <= 1e15)) return false;
+  m_dRange = r;
+  SetModelCam();
+  return true;
+}
+
+double CSceneMgr::getPixelsPerUnit() const {
+  return (m_viewWidth < m_viewHeight ? m_viewWidth : m_viewHeight) / m_dRange;
+}
+
+double CSceneMgr::getPickPrecision() const {
+  return m_viewWidth ? m_pickPixelPrecision * m_frustumWidth / m_viewWidth : 0.0;
+}
+
+void CSceneMgr::world2screen(const AcGePoint3d& p, CPoint& out) const {
+  double wx = 0.0, wy = 0.0, wz = 0.0;
+  kgl->gluProject(p.x, p.y, p.z, m_modelViewMatrix, m_projMatrix, m_viewport, &wx, &wy, &wz);
+  // Truncate towards zero, then flip to window rows growing downwards.
+  out.x = static_cast<LONG>(wx);
+  out.y = m_viewport[3] - static_cast<LONG>(wy);
+}
+
+CPoint CSceneMgr::world2screen(const AcGePoint3d& p) const {
+  CPoint out;
+  world2screen(p, out);
+  return out;
+}
+
+void CSceneMgr::getPointOfIntersectionThatEyeToNearFarFrustumPlane(CPoint pt, AcGePoint3d& nearPt,
+                                                                   AcGePoint3d& farPt) const {
+  const double y = m_viewport[3] - pt.y;
+  kgl->gluUnProject(pt.x, y, 0.0, m_modelViewMatrix, m_projMatrix, m_viewport, &nearPt.x, &nearPt.y, &nearPt.z);
+  kgl->gluUnProject(pt.x, y, 1.0, m_modelViewMatrix, m_projMatrix, m_viewport, &farPt.x, &farPt.y, &farPt.z);
+}
+
+AcGePoint3d CSceneMgr::screen2world(CPoint pt, ProjectPlane plane) const {
+  AcGePoint3d nearPt, farPt;
+  getPointOfIntersectionThatEyeToNearFarFrustumPlane(pt, nearPt, farPt);
+  AcGeVector3d normal;
+  switch (plane) {
+    case PLANE_NEAR: return nearPt;
+    case PLANE_FAR: return farPt;
+    case PLANE_XY: normal = AcGeVector3d::kZAxis; break;
+    case PLANE_XZ: normal = AcGeVector3d::kYAxis; break;
+    case PLANE_YZ: normal = AcGeVector3d::kXAxis; break;
+    default: return AcGePoint3d::kOrigin;
+  }
+  return screen2world(pt, AcGePlane(AcGePoint3d::kOrigin, normal));
+}
+
+AcGePoint3d CSceneMgr::screen2world(CPoint pt, const AcGePlane& plane) const {
+  AcGePoint3d nearPt, farPt;
+  getPointOfIntersectionThatEyeToNearFarFrustumPlane(pt, nearPt, farPt);
+  if (nearPt.isEqualTo(farPt)) return AcGePoint3d::kOrigin;
+  AcGePoint3d hit;
+  if (plane.intersectWith(AcGeLine3d(nearPt, farPt), hit)) return hit;
+  return AcGePoint3d::kOrigin;
+}
+
+AcGeVector3d CSceneMgr::ScreenVectorTo3d(AcGeVector2d v, const CCamera& cam) {
+  const AcGeVector3d up = cam.GetVUp().normal();
+  const AcGeVector3d side = cam.GetVUp().crossProduct(cam.GetVForward()).normal();
+  return up * v.y - side * v.x;
+}

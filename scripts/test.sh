@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds and runs the whole test suite with ctest.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/deps.sh
+echo "test: configuring build-test"
+cmake -S . -B build-test -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+echo "test: building"
+cmake --build build-test -j"$(nproc)"
+echo "test: running"
+# Tests of the X11 window path need a display; give them a virtual one.
+if [ -z "${DISPLAY:-}" ] && command -v xvfb-run >/dev/null; then
+  exec xvfb-run -a -s "-screen 0 1024x768x24" ctest --test-dir build-test --output-on-failure -j"$(nproc)"
+fi
+exec ctest --test-dir build-test --output-on-failure -j"$(nproc)"

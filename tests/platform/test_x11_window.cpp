@@ -1,0 +1,64 @@
+// The native-window path, run when a display is available (the test
+// script provides a virtual one).
+// gtest first: Xlib's macros (None, Bool, ...) would break its headers.
+#include <gtest/gtest.h>
+
+#include <epoxy/gl.h>
+
+#include "kxrender/KxWindow.h"
+
+#include <X11/Xlib.h>
+
+TEST(X11Window, AttachDrawAndSwap) {
+  Display* display = XOpenDisplay(nullptr);
+  if (!display) GTEST_SKIP() << "no X display";
+  const int screen = DefaultScreen(display);
+  Window xwin = XCreateSimpleWindow(display, RootWindow(display, screen), 0, 0, 160, 120, 0, 0, 0);
+  XMapWindow(display, xwin);
+  XSync(display, False);
+
+  HWND hwnd = KxAttachX11Window(display, xwin);
+  ASSERT_TRUE(hwnd);
+  RECT rc;
+  ASSERT_TRUE(GetClientRect(hwnd, &rc));
+  EXPECT_EQ(rc.right, 160);
+  EXPECT_EQ(rc.bottom, 120);
+  HDC dc = GetDC(hwnd);
+  PIXELFORMATDESCRIPTOR want = {};
+  want.dwFlags = PFD_DOUBLEBUFFER;
+  want.iPixelType = PFD_TYPE_RGBA;
+  want.cColorBits = 24;
+  want.cDepthBits = 24;
+  want.cStencilBits = 8;
+  const int format = ChoosePixelFormat(dc, &want);
+  if (format == 0) {
+    KxDestroyWindow(hwnd);
+    XDestroyWindow(display, xwin);
+    XCloseDisplay(display);
+    GTEST_SKIP() << "no EGL config matches the window's visual";
+  }
+  ASSERT_TRUE(SetPixelFormat(dc, format, nullptr));
+  HGLRC ctx = wglCreateContext(dc);
+  ASSERT_TRUE(ctx);
+  ASSERT_TRUE(wglMakeCurrent(dc, ctx));
+  glClearColor(0, 1, 0, 1);
+  glClear(GL_COLOR_BUFFER_BIT);
+  std::vector<uint8_t> px;
+  int w = 0, h = 0;
+  ASSERT_TRUE(KxReadWindowPixels(hwnd, px, w, h));  // the frame being drawn
+  EXPECT_EQ(px[1], 255);
+  EXPECT_TRUE(SwapBuffers(dc));
+
+  // The host resizes its window; the client rectangle follows.
+  XResizeWindow(display, xwin, 200, 90);
+  XSync(display, False);
+  ASSERT_TRUE(GetClientRect(hwnd, &rc));
+  EXPECT_EQ(rc.right, 200);
+  EXPECT_EQ(rc.bottom, 90);
+
+  wglMakeCurrent(nullptr, nullptr);
+  wglDeleteContext(ctx);
+  KxDestroyWindow(hwnd);
+  XDestroyWindow(display, xwin);
+  XCloseDisplay(display);
+}
