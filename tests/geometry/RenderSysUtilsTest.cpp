@@ -1,0 +1,343 @@
+// The static geometric utilities: measures, orientation, intersections,
+// conversions and text helpers.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include "kxrender/AcGeCircArc3d.h"
+#include "kxrender/AcGeEllipArc3d.h"
+#include "kxrender/AcGeLine3d.h"
+#include "kxrender/AcGeLineSeg3d.h"
+#include "kxrender/AcGeMatrix3d.h"
+#include "kxrender/AcGeNurbCurve3d.h"
+#include "kxrender/CRenderSysUtils.h"
+#include "kxrender/CString.h"
+#include "kxrender/CStringArray.h"
+#include "kxrender/KxSystem.h"
+
+using U = CRenderSysUtils;
+
+namespace {
+
+std::vector<AcGePoint3d> square(bool ccw, bool closed) {
+  std::vector<AcGePoint3d> pts = {AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0), AcGePoint3d(1, 1, 0), AcGePoint3d(0, 1, 0)};
+  if (!ccw) std::reverse(pts.begin(), pts.end());
+  if (closed) pts.push_back(pts[0]);
+  return pts;
+}
+
+}  // namespace
+
+TEST(RenderSysUtilsTest, PrecisionAndFloatComp) {
+  EXPECT_EQ(U::PRECISION, 1e-6);
+  EXPECT_EQ(U::floatComp(1.0, 1.0 + 1e-7, 1e-6), 0);
+  EXPECT_EQ(U::floatComp(1.0, 0.9, 1e-6), 1);
+  EXPECT_EQ(U::floatComp(0.9, 1.0, 1e-6), -1);
+  EXPECT_EQ(U::floatComp(1.0, 1.0 + 1e-6, 1e-6), 0);  // |d| == tol is equal
+}
+
+TEST(RenderSysUtilsTest, MidDistBoundsSphere) {
+  EXPECT_TRUE(U::getMidPoint(AcGePoint3d(0, 2, 4), AcGePoint3d(2, 4, 8)).isEqualTo(AcGePoint3d(1, 3, 6)));
+  EXPECT_DOUBLE_EQ(U::getDist(AcGePoint3d(1, 1, 1), AcGePoint3d(4, 5, 1)), 5.0);
+  AcGePoint3d lo(9, 9, 9), hi(9, 9, 9);
+  U::getMinMaxPt({AcGePoint3d(1, 5, -2), AcGePoint3d(3, -1, 0), AcGePoint3d(2, 2, 7)}, lo, hi);
+  EXPECT_TRUE(lo.isEqualTo(AcGePoint3d(1, -1, -2)));
+  EXPECT_TRUE(hi.isEqualTo(AcGePoint3d(3, 5, 7)));
+  AcGePoint3d c;
+  float r = 0;
+  U::getSphere(AcGePoint3d(0, 0, 0), AcGePoint3d(2, 2, 1), c, r);
+  EXPECT_TRUE(c.isEqualTo(AcGePoint3d(1, 1, 0.5)));
+  EXPECT_FLOAT_EQ(r, 1.5f);
+}
+
+TEST(RenderSysUtilsTest, NormalUsesSecondEdgeFromMiddlePoint) {
+  // (p2 - p1) x (p3 - p2) differs from (p2 - p1) x (p3 - p1) in length.
+  AcGeVector3d n = U::getNormal(AcGePoint3d(0, 0, 0), AcGePoint3d(2, 0, 0), AcGePoint3d(2, 3, 0));
+  EXPECT_TRUE(n.isEqualTo(AcGeVector3d(0, 0, 6)));
+  AcGeVector3d m = U::getNormal(AcGePoint3d(0, 0, 0), AcGePoint3d(2, 0, 0), AcGePoint3d(5, 3, 0));
+  EXPECT_TRUE(m.isEqualTo(AcGeVector3d(0, 0, 6)));
+}
+
+TEST(RenderSysUtilsTest, AngleSideChoice) {
+  EXPECT_NEAR(U::getAngle(AcGePoint3d(0, 0, 0), AcGePoint3d(0, -1, 0)), 1.5 * M_PI, 1e-15);
+  EXPECT_EQ(U::getAngle(AcGePoint3d(1, 1, 1), AcGePoint3d(1, 1, 1)), 0.0);
+  EXPECT_NEAR(U::getAngle(AcGePoint3d(0, 0, 0), AcGePoint3d(-1, 0, 0)), M_PI, 1e-15);
+  // z takes part in the angle: straight up is pi/2, on either side.
+  EXPECT_NEAR(U::getAngle(AcGePoint3d(0, 0, 0), AcGePoint3d(0, 0, 1)), M_PI / 2, 1e-15);
+  EXPECT_NEAR(U::getAngle(AcGePoint3d(0, 0, 0), AcGePoint3d(1, -1e-9, 1)), 2 * M_PI - M_PI / 4, 1e-8);
+  EXPECT_NEAR(U::getAngle(AcGePoint2d(0, 0), AcGePoint2d(0, -1)), 1.5 * M_PI, 1e-15);
+  EXPECT_EQ(U::getAngle(AcGePoint2d(0, 0), AcGePoint2d(5e-11, 0)), 0.0);
+}
+
+TEST(RenderSysUtilsTest, AreasAndOrientation) {
+  EXPECT_NEAR(U::getTriangleArea(AcGePoint3d(0, 0, 5), AcGePoint3d(4, 0, 0), AcGePoint3d(1, 3, 9)), 6.0, 1e-14);
+  EXPECT_EQ(U::getTriangleArea(AcGePoint3d(1, 1, 0), AcGePoint3d(1, 1, 3), AcGePoint3d(2, 2, 0)), 0.0);
+  EXPECT_NEAR(U::getPolygonArea(square(true, true)), 1.0, 1e-15);
+  EXPECT_NEAR(U::getPolygonArea(square(false, false)), 1.0, 1e-15);
+  EXPECT_EQ(U::getPolygonArea({AcGePoint3d(0, 0, 0), AcGePoint3d(1, 1, 0), AcGePoint3d(2, 2, 0)}), 0.0);
+  EXPECT_EQ(U::getPolygonArea({AcGePoint3d(0, 0, 0), AcGePoint3d(1, 1, 0)}), 0.0);
+
+  EXPECT_FALSE(U::polyClockWise(square(true, false)));
+  EXPECT_FALSE(U::polyClockWise(square(true, true)));
+  EXPECT_TRUE(U::polyClockWise(square(false, true)));
+  EXPECT_TRUE(U::polyClockWise({AcGePoint3d(0, 0, 0), AcGePoint3d(1, 1, 0), AcGePoint3d(2, 2, 0)}));
+  EXPECT_FALSE(U::polyClockWise({AcGePoint3d(0, 0, 0), AcGePoint3d(1, 1, 0)}));
+  // Three points whose last closes the first leave two: not enough.
+  EXPECT_FALSE(U::polyClockWise({AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0), AcGePoint3d(0, 0, 0)}));
+}
+
+TEST(RenderSysUtilsTest, CvtClockReversesOnlyTheOrder) {
+  // A counter-clockwise square seen from +z is clockwise seen from -z.
+  std::vector<AcGePoint3d> pts = square(true, false);
+  std::vector<AcGePoint3d> original = pts;
+  U::cvtClock(pts, AcGeVector3d::kZAxis, false);
+  EXPECT_TRUE(pts[1].isEqualTo(original[1]));
+  U::cvtClock(pts, AcGeVector3d::kZAxis, true);
+  EXPECT_TRUE(pts[0].isEqualTo(original[3]));
+  EXPECT_TRUE(pts[3].isEqualTo(original[0]));
+  std::vector<AcGePoint3d> again = original;
+  U::cvtClock(again, -AcGeVector3d::kZAxis, true);
+  EXPECT_TRUE(again[1].isEqualTo(original[1]));  // already clockwise from below
+  // A vertical face.
+  std::vector<AcGePoint3d> wall = {AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0), AcGePoint3d(1, 0, 1), AcGePoint3d(0, 0, 1)};
+  std::vector<AcGePoint3d> w2 = wall;
+  U::cvtClock(w2, AcGeVector3d(0, -1, 0), false);
+  EXPECT_TRUE(w2[1].isEqualTo(wall[1]));
+  U::cvtClock(w2, AcGeVector3d(0, 1, 0), false);
+  EXPECT_TRUE(w2[1].isEqualTo(wall[2]));
+}
+
+TEST(RenderSysUtilsTest, CalPolyAreaInOwnPlane) {
+  std::vector<AcGePoint3d> wall = {AcGePoint3d(0, 0, 0), AcGePoint3d(2, 0, 0), AcGePoint3d(2, 0, 3), AcGePoint3d(0, 0, 3)};
+  EXPECT_NEAR(U::calPolyArea(wall), 6.0, 1e-14);
+  AcGeMatrix3d m = AcGeMatrix3d::rotation(0.7, AcGeVector3d(1, 2, 3), AcGePoint3d(1e6, -1e6, 5e5));
+  for (AcGePoint3d& p : wall) p.transformBy(m);
+  EXPECT_NEAR(U::calPolyArea(wall), 6.0, 1e-6);
+  EXPECT_EQ(U::calPolyArea({AcGePoint3d(), AcGePoint3d(1, 0, 0)}), 0.0);
+}
+
+TEST(RenderSysUtilsTest, PointAndPolylineAgainstSegment) {
+  AcGePoint3d out;
+  EXPECT_TRUE(U::ptIntersectWithLine(AcGePoint3d(1, 0.0009, 0), AcGePoint3d(0, 0, 0), AcGePoint3d(2, 0, 0), out, 0.001));
+  EXPECT_TRUE(out.isEqualTo(AcGePoint3d(1, 0.0009, 0)));
+  EXPECT_FALSE(U::ptIntersectWithLine(AcGePoint3d(1, 0.0011, 0), AcGePoint3d(0, 0, 0), AcGePoint3d(2, 0, 0), out, 0.001));
+
+  std::vector<AcGePoint3d> pline = {AcGePoint3d(0, 0, 0), AcGePoint3d(2, 0, 0), AcGePoint3d(2, 2, 0)};
+  EXPECT_FALSE(U::plineIntersectWithLine({}, AcGePoint3d(), AcGePoint3d(1, 1, 1), out, 1e-6));
+  ASSERT_TRUE(U::plineIntersectWithLine(pline, AcGePoint3d(3, 1, 0), AcGePoint3d(1, 1, 0), out, 1e-6));
+  EXPECT_TRUE(out.isEqualTo(AcGePoint3d(2, 1, 0)));
+  // The first segment in order wins.
+  ASSERT_TRUE(U::plineIntersectWithLine(pline, AcGePoint3d(1, -1, 0), AcGePoint3d(3, 1, 0), out, 1e-6));
+  EXPECT_TRUE(out.isEqualTo(AcGePoint3d(2, 0, 0)));
+  ASSERT_TRUE(U::plineIntersectWithLine({AcGePoint3d(1, 1, 1)}, AcGePoint3d(0, 0, 0), AcGePoint3d(2, 2, 2), out, 1e-6));
+  EXPECT_TRUE(out.isEqualTo(AcGePoint3d(1, 1, 1)));
+}
+
+TEST(RenderSysUtilsTest, RayAgainstSegmentAndTriangle) {
+  AcGePoint3d out;
+  EXPECT_TRUE(U::rayIntersectWithSeg(AcGePoint3d(0, 0, 0), AcGeVector3d(1, 0, 0), AcGePoint3d(3, -1, 0),
+                                     AcGePoint3d(3, 1, 0), out, 1e-6));
+  EXPECT_TRUE(out.isEqualTo(AcGePoint3d(3, 0, 0)));
+  EXPECT_FALSE(U::rayIntersectWithSeg(AcGePoint3d(0, 0, 0), AcGeVector3d(-1, 0, 0), AcGePoint3d(3, -1, 0),
+                                      AcGePoint3d(3, 1, 0), out, 1e-6));
+  EXPECT_FALSE(U::rayIntersectWithSeg(AcGePoint3d(0, 0, 0), AcGeVector3d(1, 0, 0), AcGePoint3d(1, 0, 0),
+                                      AcGePoint3d(3, 0, 0), out, 1e-6));  // overlap is no hit
+  AcGePoint2d o2;
+  EXPECT_TRUE(U::rayIntersectWithSeg(AcGePoint2d(0, 0), AcGeVector2d(1, 1), AcGePoint2d(2, 0), AcGePoint2d(0, 2), o2, 1e-6));
+  EXPECT_TRUE(o2.isEqualTo(AcGePoint2d(1, 1)));
+
+  AcGePoint3d a(0, 0, 0), b(2, 0, 0), c(0, 2, 0);
+  EXPECT_TRUE(U::rayIntersectWithTriangle(AcGePoint3d(0.5, 0.5, 5), AcGeVector3d(0, 0, -1), a, b, c, &out));
+  EXPECT_TRUE(out.isEqualTo(AcGePoint3d(0.5, 0.5, 0)));
+  EXPECT_TRUE(U::rayIntersectWithTriangle(AcGePoint3d(0.5, 0.5, -5), AcGeVector3d(0, 0, 1), a, b, c));  // back face
+  EXPECT_FALSE(U::rayIntersectWithTriangle(AcGePoint3d(0.5, 0.5, 5), AcGeVector3d(0, 0, 1), a, b, c));  // behind
+  EXPECT_FALSE(U::rayIntersectWithTriangle(AcGePoint3d(1.5, 1.5, 5), AcGeVector3d(0, 0, -1), a, b, c));
+  EXPECT_TRUE(U::rayIntersectWithTriangle(AcGePoint3d(1, 1, 5), AcGeVector3d(0, 0, -1), a, b, c));  // on the edge
+  EXPECT_FALSE(U::rayIntersectWithTriangle(AcGePoint3d(0.5, 0.5, 5), AcGeVector3d(0, 0, -1), a, b, b));
+}
+
+TEST(RenderSysUtilsTest, RayAgainstBoxWithMargin) {
+  AcGePoint3d lo(0, 0, 0), hi(1, 1, 1), hit;
+  double dist = -1;
+  // Origin 0.005 outside a face: inside the box grown by 0.01.
+  EXPECT_TRUE(U::rayIntersectWithBox(AcGePoint3d(1.005, 0.5, 0.5), AcGeVector3d(1, 0, 0), lo, hi));
+  double noMargin = 0.0;
+  EXPECT_FALSE(U::rayIntersectWithBox(AcGePoint3d(1.005, 0.5, 0.5), AcGeVector3d(1, 0, 0), lo, hi, nullptr, nullptr,
+                                      &noMargin));
+  ASSERT_TRUE(U::rayIntersectWithBox(AcGePoint3d(-5, 0.5, 0.5), AcGeVector3d(2, 0, 0), lo, hi, &hit, &dist));
+  EXPECT_TRUE(hit.isEqualTo(AcGePoint3d(-0.01, 0.5, 0.5)));
+  EXPECT_NEAR(dist, 4.99, 1e-12);  // along the ray in length units
+  ASSERT_TRUE(U::rayIntersectWithBox(AcGePoint3d(5, 0.5, 0.5), AcGeVector3d(-1, 0, 0), lo, hi, &hit, &dist));
+  EXPECT_TRUE(hit.isEqualTo(AcGePoint3d(1.01, 0.5, 0.5)));
+  // Just past the grown edge.
+  EXPECT_FALSE(U::rayIntersectWithBox(AcGePoint3d(-5, 1.02, 0.5), AcGeVector3d(1, 0, 0), lo, hi, &hit));
+  EXPECT_TRUE(U::rayIntersectWithBox(AcGePoint3d(-5, 1.009, 0.5), AcGeVector3d(1, 0, 0), lo, hi, &hit));
+  EXPECT_FALSE(U::rayIntersectWithBox(AcGePoint3d(-5, 0.5, 0.5), AcGeVector3d(-1, 0, 0), lo, hi));
+  double wide = 10.0;
+  EXPECT_TRUE(U::rayIntersectWithBox(AcGePoint3d(-5, 0.5, 0.5), AcGeVector3d(0, 1, 0), lo, hi, nullptr, nullptr, &wide));
+}
+
+TEST(RenderSysUtilsTest, ArcAndCurveIntersections) {
+  AcGeCircArc3d circle(AcGePoint3d(), AcGeVector3d::kZAxis, 1.0);
+  int count = 0;
+  AcGePoint3d p1, p2;
+  ASSERT_TRUE(U::arcIntersectWithLine(circle, AcGePoint3d(-3, 0, 0), AcGePoint3d(-2, 0, 0), count, p1, p2, 1e-6));
+  EXPECT_EQ(count, 2);  // the line, not the segment from a to b
+  std::vector<AcGePoint3d> pts = {AcGePoint3d(7, 7, 7)};
+  EXPECT_FALSE(U::curveIntersectWithCurve(&circle, &circle, pts, 1e-6));
+  EXPECT_EQ(pts.size(), 1u);  // untouched
+  AcGeLineSeg3d seg(AcGePoint3d(0, -2, 0), AcGePoint3d(0, 2, 0));
+  ASSERT_TRUE(U::curveIntersectWithCurve(&circle, &seg, pts, 1e-6));
+  EXPECT_EQ(pts.size(), 2u);
+  AcGeLineSeg3d away(AcGePoint3d(5, -2, 0), AcGePoint3d(5, 2, 0));
+  EXPECT_FALSE(U::curveIntersectWithCurve(circle, away, pts, 1e-6));
+  EXPECT_TRUE(pts.empty());
+}
+
+TEST(RenderSysUtilsTest, PtInAreaAndFace) {
+  std::vector<AcGePoint3d> sq = square(true, true);
+  EXPECT_TRUE(U::PtInArea(AcGePoint3d(0.5, 0.5, 3), sq, 1e-6, false));
+  EXPECT_FALSE(U::PtInArea(AcGePoint3d(1.5, 0.5, 0), sq, 1e-6, true));
+  EXPECT_TRUE(U::PtInArea(AcGePoint3d(1, 0.5, 0), sq, 1e-6, true));  // on an edge
+  EXPECT_FALSE(U::PtInArea(AcGePoint3d(1, 0.5, 0), sq, 1e-6, false));
+  EXPECT_FALSE(U::PtInArea(AcGePoint3d(0, 0, 0), sq, 1e-6, false));  // on a vertex
+  // The ray towards +x passes exactly through a vertex of a diamond.
+  std::vector<AcGePoint3d> diamond = {AcGePoint3d(0, -1, 0), AcGePoint3d(1, 0, 0), AcGePoint3d(0, 1, 0), AcGePoint3d(-1, 0, 0)};
+  EXPECT_TRUE(U::PtInArea(AcGePoint3d(0, 0, 0), diamond, 1e-6, false));
+  EXPECT_FALSE(U::PtInArea(AcGePoint3d(-2, 0, 0), diamond, 1e-6, false));
+
+  std::vector<AcGePoint3d> outer = {AcGePoint3d(0, 0, 1), AcGePoint3d(4, 0, 1), AcGePoint3d(4, 4, 1), AcGePoint3d(0, 4, 1)};
+  std::vector<std::vector<AcGePoint3d>> holes = {
+      {AcGePoint3d(1, 1, 1), AcGePoint3d(2, 1, 1), AcGePoint3d(2, 2, 1), AcGePoint3d(1, 2, 1)}};
+  AcGePoint3d hit;
+  ASSERT_TRUE(U::faceIntersectWithLine(outer, AcGeVector3d::kZAxis, AcGePoint3d(3, 3, 9), AcGeVector3d(0, 0, -1), hit, 1e-6, holes));
+  EXPECT_TRUE(hit.isEqualTo(AcGePoint3d(3, 3, 1)));
+  EXPECT_FALSE(U::faceIntersectWithLine(outer, AcGeVector3d::kZAxis, AcGePoint3d(1.5, 1.5, 9), AcGeVector3d(0, 0, -1), hit, 1e-6, holes));
+  EXPECT_FALSE(U::faceIntersectWithLine(outer, AcGeVector3d::kZAxis, AcGePoint3d(5, 3, 9), AcGeVector3d(0, 0, -1), hit, 1e-6, holes));
+  EXPECT_FALSE(U::faceIntersectWithLine(outer, AcGeVector3d::kZAxis, AcGePoint3d(3, 3, 9), AcGeVector3d(0, 0, 1), hit, 1e-6, holes));
+  EXPECT_TRUE(U::faceIntersectWithLine(outer, AcGeVector3d(), AcGePoint3d(3, 3, 9), AcGeVector3d(0, 0, 1), hit, 1e-6, holes, false));
+}
+
+TEST(RenderSysUtilsTest, DroopPointOnArcsAndCurves) {
+  AcGeCircArc3d arc(AcGePoint3d(), AcGeVector3d::kZAxis, AcGeVector3d::kXAxis, 2.0, 0.0, M_PI);
+  AcGePoint3d foot;
+  // Above the plane of the arc: the foot is found within the plane.
+  ASSERT_TRUE(U::DroopPoint(AcGePoint3d(1, 1, 5), AcGePoint3d(), &arc, foot, 1e-6));
+  EXPECT_TRUE(foot.isEqualTo(AcGePoint3d(M_SQRT2, M_SQRT2, 0), AcGeTol(1e-9, 1e-12)));
+  // Below the chord's side of the circle the only foot is on the other side.
+  ASSERT_TRUE(U::DroopPoint(AcGePoint3d(1, -1, 0), AcGePoint3d(), &arc, foot, 1e-6));
+  EXPECT_TRUE(foot.isEqualTo(AcGePoint3d(-M_SQRT2, M_SQRT2, 0), AcGeTol(1e-9, 1e-12)));
+  // From the center, the foot nearest the reference point.
+  ASSERT_TRUE(U::DroopPoint(AcGePoint3d(0, 0, 3), AcGePoint3d(-5, 0.1, 0), &arc, foot, 1e-6));
+  EXPECT_LT(foot.x, -1.9);
+  // An ellipse seen from inside: ref picks between the feet.
+  AcGeEllipArc3d e(AcGePoint3d(), AcGeVector3d::kXAxis, AcGeVector3d::kYAxis, 4.0, 1.0);
+  ASSERT_TRUE(U::DroopPoint(AcGePoint3d(0.1, 0.05, 2), AcGePoint3d(0, -2, 0), &e, foot, 1e-6));
+  EXPECT_LT(foot.y, -0.9);
+  AcGeLineSeg3d seg(AcGePoint3d(0, 0, 0), AcGePoint3d(4, 0, 0));
+  ASSERT_TRUE(U::DroopPoint(AcGePoint3d(1, 3, 3), AcGePoint3d(), &seg, foot, 1e-6));
+  EXPECT_TRUE(foot.isEqualTo(AcGePoint3d(1, 0, 0)));
+  EXPECT_FALSE(U::DroopPoint(AcGePoint3d(5, 3, 3), AcGePoint3d(), &seg, foot, 1e-6));
+  EXPECT_FALSE(U::DroopPoint(AcGePoint3d(1, 3, 3), AcGePoint3d(), nullptr, foot, 1e-6));
+}
+
+TEST(RenderSysUtilsTest, CurveMidPointByParameterExceptEllipse) {
+  AcGeLineSeg3d seg(AcGePoint3d(0, 0, 0), AcGePoint3d(4, 2, 0));
+  EXPECT_TRUE(U::getCurveMidPoint(&seg).isEqualTo(AcGePoint3d(2, 1, 0)));
+  AcGeCircArc3d arc(AcGePoint3d(), AcGeVector3d::kZAxis, AcGeVector3d::kXAxis, 1.0, 0.0, M_PI);
+  EXPECT_TRUE(U::getCurveMidPoint(&arc).isEqualTo(AcGePoint3d(0, 1, 0), AcGeTol(1e-9, 1e-12)));
+  // A cubic whose speed varies: the middle parameter is not the middle by length.
+  double knots[] = {0, 0, 0, 0, 1, 1, 1, 1};
+  AcGePoint3dArray ctrl;
+  for (double x : {0.0, 0.1, 0.2, 10.0}) ctrl.append(AcGePoint3d(x, 0, 0));
+  AcGeNurbCurve3d fast(3, AcGeKnotVector(8, knots), ctrl);
+  EXPECT_TRUE(U::getCurveMidPoint(&fast).isEqualTo(fast.evalPoint(0.5), AcGeTol(1e-9, 1e-12)));
+  EXPECT_GT(std::fabs(fast.evalPoint(0.5).x - 5.0), 1.0);
+  // An elliptic arc is halved by length.
+  AcGeEllipArc3d e(AcGePoint3d(), AcGeVector3d::kXAxis, AcGeVector3d::kYAxis, 5.0, 1.0, 0.0, M_PI / 2);
+  AcGePoint3d mid = U::getCurveMidPoint(&e);
+  double t = e.paramOf(mid);
+  EXPECT_NEAR(e.length(0.0, t), e.length(t, M_PI / 2), 1e-6);
+  EXPECT_GT(std::fabs(t - M_PI / 4), 0.1);
+  EXPECT_TRUE(U::getCurveMidPoint(nullptr).isEqualTo(AcGePoint3d::kOrigin));
+  AcGeLine3d infinite(AcGePoint3d(1, 1, 1), AcGeVector3d::kXAxis);
+  EXPECT_TRUE(U::getCurveMidPoint(&infinite).isEqualTo(AcGePoint3d::kOrigin));
+}
+
+TEST(RenderSysUtilsTest, SphereInFrustumUsesFivePlanes) {
+  std::vector<std::vector<double>> planes(5, {0, 0, 1, 10});  // z > -10
+  planes.push_back({0, 0, -1, -100});                         // sixth: z < -100 only
+  EXPECT_TRUE(U::sphereInFrustum(planes, AcGePoint3d(0, 0, 0), 1.0));
+  planes[4] = {1, 0, 0, 0};  // fifth: x > 0
+  EXPECT_FALSE(U::sphereInFrustum(planes, AcGePoint3d(-2, 0, 0), 1.0));
+  EXPECT_TRUE(U::sphereInFrustum(planes, AcGePoint3d(-0.5, 0, 0), 1.0));
+  EXPECT_FALSE(U::sphereInFrustum(planes, AcGePoint3d(-1, 0, 0), 1.0));  // touching from outside
+  EXPECT_EQ(U::rayIntersectWithYZ(), CRenderSysUtils::BOXFACE_INSIDE);
+}
+
+TEST(RenderSysUtilsTest, MatrixConversionsAreColumnMajor) {
+  AcGeMatrix3d m = AcGeMatrix3d::rotation(0.3, AcGeVector3d(1, 2, 3), AcGePoint3d(4, 5, 6));
+  double d[16];
+  float f[16];
+  U::convertMatrixTo16(m, d);
+  U::convertMatrixTo16(m, f);
+  EXPECT_EQ(d[12], m.entry[0][3]);  // translation in elements 12..14
+  EXPECT_EQ(d[1], m.entry[1][0]);
+  EXPECT_FLOAT_EQ(f[4], static_cast<float>(m.entry[0][1]));
+  AcGeMatrix3d back, backF;
+  U::convert16ToMatrix(d, back);
+  U::convert16ToMatrix(f, backF);
+  EXPECT_TRUE(back.isEqualTo(m));
+  EXPECT_NEAR(backF.entry[2][3], m.entry[2][3], 1e-6);
+  AcArray<AcGePoint3d> arr;
+  std::vector<AcGePoint3d> vec = {AcGePoint3d(9, 9, 9)};
+  arr.append(AcGePoint3d(1, 2, 3));
+  arr.append(AcGePoint3d(4, 5, 6));
+  U::acgePtary2vecPtary(arr, vec);
+  ASSERT_EQ(vec.size(), 2u);
+  EXPECT_TRUE(vec[1].isEqualTo(AcGePoint3d(4, 5, 6)));
+  vec.pop_back();
+  U::vecPtary2acgePtary(vec, arr);
+  ASSERT_EQ(arr.length(), 1);
+  EXPECT_TRUE(arr[0].isEqualTo(AcGePoint3d(1, 2, 3)));
+}
+
+TEST(RenderSysUtilsTest, Str2StrArrKeepsEmptyPieces) {
+  CStringArray arr;
+  U::Str2StrArr(CString(""), arr, ',');
+  EXPECT_EQ(arr.GetSize(), 0);
+  U::Str2StrArr(CString("abc"), arr, ',');
+  ASSERT_EQ(arr.GetSize(), 1);
+  EXPECT_EQ(arr[0], CString("abc"));
+  arr.RemoveAll();
+  U::Str2StrArr(CString("a,,b"), arr, ',');
+  ASSERT_EQ(arr.GetSize(), 3);
+  EXPECT_EQ(arr[0], CString("a"));
+  EXPECT_TRUE(arr[1].IsEmpty());
+  EXPECT_EQ(arr[2], CString("b"));
+  arr.RemoveAll();
+  U::Str2StrArr(CString(",x,"), arr, ',');
+  ASSERT_EQ(arr.GetSize(), 3);
+  EXPECT_TRUE(arr[0].IsEmpty());
+  EXPECT_TRUE(arr[2].IsEmpty());
+}
+
+TEST(RenderSysUtilsTest, CodePageAndExecutableFolder) {
+  UINT previous = GetACP();
+  ASSERT_TRUE(KxSetAnsiCodePage(936));
+  unsigned char zhong[2] = {0xD6, 0xD0};  // GBK for U+4E2D
+  unsigned short out = 0;
+  EXPECT_EQ(U::Gb2312ToUnicode(&out, zhong), 1);
+  EXPECT_EQ(out, 0x4E2D);
+  KxSetAnsiCodePage(previous);
+  EXPECT_EQ(U::Gb2312ToUnicode(nullptr, zhong), 0);
+
+  CString dir = U::getDllPath();
+  ASSERT_FALSE(dir.IsEmpty());
+  EXPECT_EQ(dir[dir.GetLength() - 1], '/');
+  char exe[4096] = {0};
+  GetModuleFileNameA(nullptr, exe, sizeof exe);
+  EXPECT_EQ(std::string(exe).substr(0, dir.GetLength()), dir.str());
+}
