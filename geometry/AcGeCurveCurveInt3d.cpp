@@ -1,6 +1,7 @@
 #include "kxrender/AcGeCurveCurveInt3d.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "CurveNumerics.h"
 #include "kxrender/AcGeCurve3d.h"
@@ -162,17 +163,20 @@ private:
       t = nt;
       if (settled) break;
     }
-    double residual = gap(s, t).length();
-    if (!(residual <= mTol.equalPoint())) return;
     AcGePoint3d p = mC1.evalPoint(s);
     if (!isFinite(p)) return;
+    // No tolerance can be finer than the spacing of doubles at the point.
+    double reachable = std::max(mTol.equalPoint(), 8.0 * std::numeric_limits<double>::epsilon() *
+                                                       (std::fabs(p.x) + std::fabs(p.y) + std::fabs(p.z)));
+    double residual = gap(s, t).length();
+    if (!(residual <= reachable)) return;
     // A tangential contact converges to points spread along the contact;
     // points joined by a stretch where the curves stay together are one.
-    double mergeRadius = 4.0 * std::sqrt(mTol.equalPoint() * mScale) + mTol.equalPoint();
+    double mergeRadius = 4.0 * std::sqrt(reachable * mScale) + reachable;
     for (const AcGeCurveCurveInt3d::Hit& h : mOut.mPoints) {
       double d = h.point.distanceTo(p);
-      if (d <= mTol.equalPoint()) return;
-      if (d <= mergeRadius && gap(0.5 * (s + h.param1), 0.5 * (t + h.param2)).length() <= 4.0 * mTol.equalPoint())
+      if (d <= reachable) return;
+      if (d <= mergeRadius && gap(0.5 * (s + h.param1), 0.5 * (t + h.param2)).length() <= 4.0 * reachable)
         return;
     }
     mOut.mPoints.push_back({p, s, t});
