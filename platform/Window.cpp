@@ -57,7 +57,12 @@ static KxWindow* registerWindow(KxWindow* w) {
   return w;
 }
 
+// Larger surfaces exceed what GL viewports address and would allocate
+// gigabytes on a software rasteriser.
+static const int kMaxOffscreenSide = 16384;
+
 HWND KxCreateOffscreenWindow(int width, int height) {
+  if (width > kMaxOffscreenSide || height > kMaxOffscreenSide) return nullptr;
   EGLDisplay dpy = offscreenDisplay();
   if (dpy == EGL_NO_DISPLAY) return nullptr;
   auto* w = new KxWindow;
@@ -97,6 +102,7 @@ void KxDestroyWindow(HWND hWnd) {
 
 bool KxResizeOffscreenWindow(HWND hWnd, int width, int height) {
   if (!isLiveWindow(hWnd) || hWnd->kind != KxWindow::Kind::Offscreen) return false;
+  if (width > kMaxOffscreenSide || height > kMaxOffscreenSide) return false;
   width = std::max(1, width);
   height = std::max(1, height);
   if (width == hWnd->width && height == hWnd->height) return true;

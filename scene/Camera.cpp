@@ -48,29 +48,27 @@ void CCamera::RotateCaremaRealWorldZ(double a, const AcGePoint3d& p) {
   m_vUp.rotateBy(a, z);
 }
 
-void CCamera::RotateCaremaRight(double a, const AcGePoint3d& p) {
+// Turns the eye about the axis through p, together with the given
+// directions (each rotated by the same angle about the same axis).
+void CCamera::turnAbout(double a, const AcGeVector3d& axis, const AcGePoint3d& p, AcGeVector3d* first,
+                        AcGeVector3d* second) {
   AcGeVector3d d = m_vLocation - p.asVector();
-  const AcGeVector3d axis = side();
-  m_vForward.rotateBy(a, axis);
-  m_vUp.rotateBy(a, axis);
+  if (first) first->rotateBy(a, axis);
+  if (second) second->rotateBy(a, axis);
   d.rotateBy(a, axis);
   m_vLocation = p.asVector() + d;
 }
 
+void CCamera::RotateCaremaRight(double a, const AcGePoint3d& p) { turnAbout(a, side(), p, &m_vForward, &m_vUp); }
+
 void CCamera::RotateCaremaUp(double a, const AcGePoint3d& p) {
-  AcGeVector3d d = m_vLocation - p.asVector();
   const AcGeVector3d axis = m_vUp;
-  m_vForward.rotateBy(a, axis);
-  d.rotateBy(a, axis);
-  m_vLocation = p.asVector() + d;
+  turnAbout(a, axis, p, &m_vForward, nullptr);
 }
 
 void CCamera::RotateCaremaFront(double a, const AcGePoint3d& p) {
-  AcGeVector3d d = m_vLocation - p.asVector();
   const AcGeVector3d axis = m_vForward;
-  m_vUp.rotateBy(a, axis);
-  d.rotateBy(a, axis);
-  m_vLocation = p.asVector() + d;
+  turnAbout(a, axis, p, &m_vUp, nullptr);
 }
 
 void CCamera::OrthoNormal(const AcGePoint3d& p) {

@@ -46,6 +46,8 @@ class KXRENDER_API CCamera {
  private:
   // up x forward, not normalised.
   AcGeVector3d side() const { return m_vUp.crossProduct(m_vForward); }
+  void turnAbout(double a, const AcGeVector3d& axis, const AcGePoint3d& p, AcGeVector3d* first,
+                 AcGeVector3d* second);
 
   AcGeVector3d m_vLocation{0.0, 0.0, 0.0};
   AcGeVector3d m_vUp{0.0, 1.0, 0.0};

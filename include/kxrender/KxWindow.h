@@ -11,7 +11,8 @@
 
 // --- creating and destroying windows -------------------------------------
 // An off-screen window of the given client size (sizes below 1 become 1).
-// Returns null when no off-screen display can be opened.
+// Returns null above 16384 pixels a side, or when no off-screen display can
+// be opened.
 KXRENDER_API HWND KxCreateOffscreenWindow(int width, int height);
 // Wraps a host's X11 window; `display` is the host's Display*. The host keeps
 // owning both; KxDestroyWindow only forgets the wrapper.
@@ -19,7 +20,8 @@ KXRENDER_API HWND KxAttachX11Window(void* display, unsigned long window);
 // Forgets the window; its handle is no longer a window. Contexts created on
 // it stay valid objects but can no longer be made current on it.
 KXRENDER_API void KxDestroyWindow(HWND hWnd);
-// The host resizes an off-screen window (as a user would drag a frame).
+// The host resizes an off-screen window (as a user would drag a frame);
+// false, leaving the size as it was, above 16384 pixels a side.
 KXRENDER_API bool KxResizeOffscreenWindow(HWND hWnd, int width, int height);
 // The last frame presented by SwapBuffers, as RGBA rows from the top.
 // For a window never swapped, the pixels currently drawn are read instead.

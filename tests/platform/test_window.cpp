@@ -37,6 +37,10 @@ TEST(OffscreenWindow, ClientRectResizeAndDestroy) {
   GetClientRect(w, &rc);
   EXPECT_EQ(rc.right, 1);
   EXPECT_EQ(rc.bottom, 50);
+  EXPECT_FALSE(KxResizeOffscreenWindow(w, 100000, 10));
+  GetClientRect(w, &rc);
+  EXPECT_EQ(rc.bottom, 50);
+  EXPECT_EQ(KxCreateOffscreenWindow(16385, 10), nullptr);
   HDC dc = GetDC(w);
   EXPECT_EQ(GetDC(w), dc);  // one DC per window
   EXPECT_EQ(WindowFromDC(dc), w);

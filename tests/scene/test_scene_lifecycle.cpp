@@ -101,6 +101,20 @@ TEST(SceneInit, RefusesMissingOrDestroyedWindows) {
   EXPECT_FALSE(s.initializeRender(reinterpret_cast<HWND>(&bogus), false, true));
 }
 
+TEST(SceneInit, AnUnboundSceneSurvivesFrameCalls) {
+  // Misuse by a host: no context is current, so GL calls go nowhere, but
+  // nothing may crash and the state stays consistent.
+  CSceneMgr s;
+  s.setLightOpen(false);
+  s.render();
+  s.finish();
+  s.draw3dOrbit();
+  s.glRelease();
+  EXPECT_FALSE(s.isLightOpen());
+  EXPECT_NE(s.getLastRenderTime(), 0UL);
+  EXPECT_EQ(s.getFrustumWidth(), 150.0);
+}
+
 TEST_F(SceneFixture, SecondSceneReusesTheProcessPixelFormat) {
   open(32, 32);
   const int format = CSceneMgr::g_nPixelFormat;
@@ -168,7 +182,6 @@ TEST_F(SceneFixture, FrameOrderFromQueuedListsToCamera) {
 TEST_F(SceneFixture, StaticStateAndLight) {
   GLRecorder rec(true);
   open(16, 16);
-  const std::vector<std::string> names = rec.names();
   const int shade = rec.find("glShadeModel");
   ASSERT_GE(shade, 0);
   EXPECT_EQ(rec.calls()[size_t(shade)].args[0], double(GL_SMOOTH));
