@@ -147,6 +147,16 @@ BOOL GetClientRect(HWND hWnd, RECT* rect) {
   return TRUE;
 }
 
+BOOL ScreenToClient(HWND hWnd, POINT* pt) {
+  if (!isLiveWindow(hWnd) || !pt) return FALSE;
+  if (hWnd->kind != KxWindow::Kind::X11) return TRUE;
+  int x = pt->x, y = pt->y;
+  if (!x11ScreenToWindow(hWnd->xdisplay, hWnd->xwindow, x, y)) return FALSE;
+  pt->x = x;
+  pt->y = y;
+  return TRUE;
+}
+
 HDC GetDC(HWND hWnd) { return isLiveWindow(hWnd) ? &hWnd->dc : nullptr; }
 
 int ReleaseDC(HWND hWnd, HDC hDC) {

@@ -48,6 +48,8 @@ void clientSize(const KxWindow* w, int& width, int& height);
 // X11 helpers (compiled in X11Window.cpp, the only file that includes Xlib).
 bool x11WindowSize(void* xdisplay, unsigned long xwindow, int& width, int& height);
 long x11WindowVisual(void* xdisplay, unsigned long xwindow);
+// Root-window coordinates to the window's own; false when X cannot tell.
+bool x11ScreenToWindow(void* xdisplay, unsigned long xwindow, int& x, int& y);
 // Reads the pixels drawn into the current draw surface, RGBA top-down.
 void readCurrentPixels(int width, int height, std::vector<uint8_t>& rgba);
 // Forgets a destroyed context in the windows that remember it.

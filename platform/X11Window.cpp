@@ -20,4 +20,16 @@ long x11WindowVisual(void* xdisplay, unsigned long xwindow) {
   return static_cast<long>(XVisualIDFromVisual(attrs.visual));
 }
 
+bool x11ScreenToWindow(void* xdisplay, unsigned long xwindow, int& x, int& y) {
+  Display* dpy = static_cast<Display*>(xdisplay);
+  XWindowAttributes attrs;
+  if (!XGetWindowAttributes(dpy, static_cast<Window>(xwindow), &attrs)) return false;
+  Window child = 0;
+  int wx = 0, wy = 0;
+  if (!XTranslateCoordinates(dpy, attrs.root, static_cast<Window>(xwindow), x, y, &wx, &wy, &child)) return false;
+  x = wx;
+  y = wy;
+  return true;
+}
+
 }  // namespace kxplatform

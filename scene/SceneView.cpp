@@ -145,3 +145,57 @@ AcGeVector3d CSceneMgr::ScreenVectorTo3d(AcGeVector2d v, const CCamera& cam) {
   const AcGeVector3d side = cam.GetVUp().crossProduct(cam.GetVForward()).normal();
   return up * v.y - side * v.x;
 }
+
+void CSceneMgr::getFrustumPlaneFrom2Pt(const CPoint& p1, const CPoint& p2,
+                                       std::vector<std::vector<double>>& planes) const {
+  planes.clear();
+  const int x0 = std::min(p1.x, p2.x), x1 = std::max(p1.x, p2.x);
+  const int y0 = std::min(p1.y, p2.y), y1 = std::max(p1.y, p2.y);  // y0 is the top row
+  // Window points on the near (depth 0) and far (depth 1) planes.
+  auto unproject = [this](double x, double y, double depth, AcGePoint3d& out) {
+    return kgl->gluUnProject(x, m_viewport[3] - y, depth, m_modelViewMatrix, m_projMatrix, m_viewport, &out.x, &out.y,
+                             &out.z) == GL_TRUE;
+  };
+  AcGePoint3d corner, cornerRight, cornerDown, farCorner;
+  if (!unproject(x0, y0, 0.0, corner) || !unproject(x0 + 1, y0, 0.0, cornerRight) ||
+      !unproject(x0, y0 + 1, 0.0, cornerDown) || !unproject(x0, y0, 1.0, farCorner))
+    return;
+  // The near plane maps window points affinely, so one pixel step gives the
+  // world directions of the screen axes everywhere on it, even for an empty
+  // rectangle whose corners coincide.
+  const AcGeVector3d ex = cornerRight - corner;  // screen right
+  const AcGeVector3d ey = cornerDown - corner;   // screen down
+  const AcGeVector3d sight = farCorner - corner;
+  // A side plane holds the eye rays along one edge: its normal is the ray
+  // crossed with the edge, turned towards `inward`.
+  auto sidePlane = [&](const AcGePoint3d& on, const AcGeVector3d& ray, const AcGeVector3d& edge,
+                       const AcGeVector3d& inward) {
+    AcGeVector3d n = ray.crossProduct(edge);
+    if (n.dotProduct(inward) < 0.0) n = -n;
+    const double len = n.length();
+    if (len > 0.0) n = n / len;
+    planes.push_back({n.x, n.y, n.z, -n.dotProduct(on.asVector())});
+  };
+  // Each side takes its own corner's ray, so a perspective view gets the
+  // slanted sides it needs.
+  auto ray = [&](int x, int y, AcGePoint3d& on) {
+    AcGePoint3d farPt;
+    unproject(x, y, 0.0, on);
+    unproject(x, y, 1.0, farPt);
+    return farPt - on;
+  };
+  AcGePoint3d on;
+  AcGeVector3d r = ray(x1, y0, on);
+  sidePlane(on, r, ey, -ex);  // right
+  r = ray(x0, y0, on);
+  sidePlane(on, r, ey, ex);  // left
+  r = ray(x0, y1, on);
+  sidePlane(on, r, ex, -ey);  // bottom
+  r = ray(x0, y0, on);
+  sidePlane(on, r, ex, ey);  // top
+  // Near: the view's own, facing along the line of sight.
+  AcGeVector3d n = sight;
+  const double len = n.length();
+  if (len > 0.0) n = n / len;
+  planes.push_back({n.x, n.y, n.z, -n.dotProduct(corner.asVector())});
+}

@@ -14,6 +14,7 @@
 #include "kxrender/CPoint.h"
 #include "kxrender/CRect.h"
 #include "kxrender/CRenderObject.h"
+#include "kxrender/CSize.h"
 #include "kxrender/CTextureMgr.h"
 #include "kxrender/Export.h"
 #include "kxrender/GripPoint.h"
@@ -66,10 +67,36 @@ class KXRENDER_API CSceneMgr {
   AcGePoint3d screen2world(CPoint pt, ProjectPlane plane) const;
   AcGePoint3d screen2world(CPoint pt, const AcGePlane& plane) const;
   static AcGeVector3d ScreenVectorTo3d(AcGeVector2d v, const CCamera& cam);
+  // Five inward planes (right, left, bottom, top, near) of what is seen
+  // through the screen rectangle p1-p2, whichever corners they are.
+  // Left empty when the stored matrices cannot be inverted.
+  void getFrustumPlaneFrom2Pt(const CPoint& p1, const CPoint& p2, std::vector<std::vector<double>>& planes) const;
   const double* getProjectionMatrix() const { return m_projMatrix; }
   const double* getModelViewMatrix() const { return m_modelViewMatrix; }
   const int* getViewport() const { return m_viewport; }
   const std::vector<std::vector<double>>& getFrustumPlanes() const { return m_frustumPlanes; }
+
+  // --- navigation ---------------------------------------------------------
+  // Each changes the view, then calls the scene-to-model callback; none draws.
+  enum { ORBIT_FREE = 0, ORBIT_FRONT = 1, ORBIT_RIGHT = 2, ORBIT_UP = 3 };
+  // Per mille: 2000 halves the range, 500 doubles it.
+  void zoom(int n);
+  void zoomE();
+  void ZoomENew() { zoomE(); }
+  // Top view of the world rectangle a-b.
+  void zoomW(const AcGePoint3d& a, const AcGePoint3d& b);
+  // The screen rectangle p1-p2 fills the view.
+  void zoomW(CPoint p1, CPoint p2);
+  // pt in screen coordinates; 120 zooms in, -120 out, about the cursor.
+  void mouseWheel(short delta, CPoint pt);
+  // d is the previous cursor position minus the current one.
+  void mouseMove(CSize d);
+  void mouseFreeRotate(CSize d, CPoint pt);
+  // Keeps the world z axis upright; pt is not used.
+  void mouseLimitRotate(CSize d, CPoint pt);
+  void pushCamera(bool bMerge);
+  void popCamera();
+  size_t cameraHistorySize() const { return m_cameraStack.size(); }
 
   // --- overlays ----------------------------------------------------------
   void setCoordVP();
@@ -152,13 +179,19 @@ class KXRENDER_API CSceneMgr {
   static int g_nPixelFormat;
 
  private:
+  friend struct CSceneMgrTestAccess;
   struct CameraRecord {
     bool merge;
-    unsigned long time;
+    __time64_t time;  // seconds since the epoch
     CCamera camera;
     double range;
   };
   void copyFrom(const CSceneMgr& other);
+  // location += side * a, then += up * b.
+  void moveCamera(double a, double b);
+  // Client size with an empty side counted as one pixel.
+  void clientSize(int& w, int& h) const;
+  AcGePoint3d orbitPivot(bool allowFixed) const;
 
   std::vector<std::vector<double>> m_frustumPlanes;
   HWND m_hWnd = nullptr;

@@ -30,6 +30,9 @@ KXRENDER_API bool KxReadWindowPixels(HWND hWnd, std::vector<uint8_t>& rgba, int&
 // --- Win32 stand-ins ------------------------------------------------------
 KXRENDER_API BOOL IsWindow(HWND hWnd);
 KXRENDER_API BOOL GetClientRect(HWND hWnd, RECT* rect);
+// Screen to client coordinates. An off-screen window's client area starts at
+// the screen origin, so its points are unchanged.
+KXRENDER_API BOOL ScreenToClient(HWND hWnd, POINT* pt);
 KXRENDER_API HDC GetDC(HWND hWnd);
 KXRENDER_API int ReleaseDC(HWND hWnd, HDC hDC);
 KXRENDER_API HWND WindowFromDC(HDC hDC);
