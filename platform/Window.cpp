@@ -38,13 +38,14 @@ bool createSurface(KxWindow* w) {
 }
 
 void readCurrentPixels(int width, int height, std::vector<uint8_t>& rgba) {
+  // Read into the caller's buffer (kept between frames) and flip the rows in
+  // place: presenting a frame allocates nothing once the size is settled.
   const size_t row = size_t(width) * 4;
-  std::vector<uint8_t> bottomUp(row * size_t(height));
+  rgba.resize(row * size_t(height));
   glPixelStorei(GL_PACK_ALIGNMENT, 1);
-  glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, bottomUp.data());
-  rgba.resize(bottomUp.size());
-  for (int y = 0; y < height; ++y)
-    std::copy_n(&bottomUp[row * size_t(height - 1 - y)], row, &rgba[row * size_t(y)]);
+  glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, rgba.data());
+  for (int y = 0; y < height / 2; ++y)
+    std::swap_ranges(&rgba[row * size_t(y)], &rgba[row * size_t(y)] + row, &rgba[row * size_t(height - 1 - y)]);
 }
 
 }  // namespace kxplatform
