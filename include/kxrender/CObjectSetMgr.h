@@ -1,36 +1,116 @@
 #pragma once
-// The scene's collection of drawable objects.
+// Everything one scene draws: render objects keyed by the ids the set hands
+// out, static display-list objects, typed assist points, the set's box and
+// a spatial index over the object boxes.
+#include <map>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "kxrender/AcGePoint2d.h"
 #include "kxrender/AcGePoint3d.h"
 #include "kxrender/CRenderObject.h"
+#include "kxrender/CStaticObject.h"
 #include "kxrender/Export.h"
 
 class CSceneMgr;
+class CObjectSearchTree;
 
 class KXRENDER_API CObjectSetMgr {
  public:
-  CObjectSetMgr() = default;
+  CObjectSetMgr();
+  // Copies the containers (the same object pointers; the copy does not own
+  // them) and rebuilds its own search tree.
+  CObjectSetMgr(const CObjectSetMgr& o);
+  CObjectSetMgr& operator=(const CObjectSetMgr& o);
+  ~CObjectSetMgr();
 
   void setScene(CSceneMgr* scene) { m_scene = scene; }
   CSceneMgr* getScene() const { return m_scene; }
 
-  CRenderObject* getObj(unsigned int id) const;
-  bool is_exist(unsigned int id) const { return getObj(id) != nullptr; }
+  // ---- objects ----
+  // Throws a heap-allocated std::exception when no id is left.
+  unsigned addObject(CRenderObject* obj);
+  void addObject(const std::vector<CRenderObject*>& objs, std::vector<unsigned>& ids);
+  void delObject(unsigned id);
+  void delObject(const std::vector<unsigned>& ids);
+  // Deletes every object and static object.
+  void clear();
+  CRenderObject* getObj(unsigned id) const;
+  const CRenderObject* getConstObj(unsigned id) const { return getObj(id); }
+  bool is_exist(unsigned id) const { return m_objects.count(id) != 0; }
+  size_t numObjs() const { return m_objects.size(); }
+  size_t numShapes() const;
+  size_t numTriangles() const;
+  const std::map<unsigned, CRenderObject*>& objects() const { return m_objects; }
+
+  // ---- static objects ----
+  unsigned addStaticObject(CStaticObject* obj);
+  void delStaticObject(unsigned id);
+  void setStaticObjectVisible(unsigned id, bool visible);
+  const std::vector<CStaticObject*>& staticObjects() const { return m_staticObjects; }
+
+  // ---- box ----
   void getBox(AcGePoint3d& min, AcGePoint3d& max) const {
     min = m_boxMin;
     max = m_boxMax;
   }
+  // The box of the current contents, computed afresh and not stored; the
+  // stored box when there is nothing to measure.
+  void getBox0(AcGePoint3d& min, AcGePoint3d& max) const;
+  void freshBox() { calBox(); }
+  double borderLineZNear() const { return m_zNear; }
+  double borderLineZFar() const { return m_zFar; }
 
-  void setRenderMode(CRenderObject::RenderMode mode) { m_renderMode = mode; }
+  // ---- assist points ----
+  void pushAssistPt(const AcGePoint3d& pt, int type);
+  void clearAssistPt(int type);
+  void getAssistPts(std::vector<std::pair<int, AcGePoint3d>>& out) const { out = m_assistPts; }
+  void getAssistPts(std::vector<AcGePoint3d>& out) const;
+  void renderAssistPt();
+
+  // ---- search ----
+  void createSearchTree();
+  void getInRectObjs(const AcGePoint2d& p1, const AcGePoint2d& p2, std::vector<CRenderObject*>& out) const;
+  // Refreshes one object's entry after it moved.
+  void updateSearchTree(CRenderObject* obj);
+  // Objects that may be seen through the five frustum planes (a, b, c, d
+  // each, normals inwards); the scene's own planes when planes is null.
+  void getObjsInFrustum(std::vector<CRenderObject*>& out, const std::vector<std::vector<double>>* planes = nullptr) const;
+
+  // ---- drawing ----
+  void setRenderMode(CRenderObject::RenderMode mode);
   CRenderObject::RenderMode getRenderMode() const { return m_renderMode; }
-
   // Draws the set into the scene's current frame.
   void render();
+  void renderObjs(int mode);
+  void renderObjs(const std::vector<CRenderObject*>& objs, int mode);
+  static void sortForTransparent(std::vector<CRenderObject*>& objs);
   // Drops every object's display lists (the context is going away).
   void releaseDispList();
+  // Shapes drawn as dashed outlines after all objects; filled during a frame.
+  void addOutlineShape(const CRenderShape* s) { m_outlineShapes.push_back(s); }
+  const std::vector<const CRenderShape*>& outlineShapes() const { return m_outlineShapes; }
+
+ protected:
+  void calBox();
 
  private:
+  void renderOutlines();
+  void drawObjects(const std::vector<CRenderObject*>& objs);
+
+  std::map<unsigned, CRenderObject*> m_objects;
+  unsigned m_nextId = 1;
   AcGePoint3d m_boxMin{-10.0, -10.0, -10.0};
   AcGePoint3d m_boxMax{10.0, 10.0, 10.0};
   CRenderObject::RenderMode m_renderMode = CRenderObject::RenderMode(2);
   CSceneMgr* m_scene = nullptr;
+  std::vector<CStaticObject*> m_staticObjects;
+  std::vector<std::pair<int, AcGePoint3d>> m_assistPts;
+  double m_zNear = 0.09995;
+  double m_zFar = 1.0;
+  std::unique_ptr<CObjectSearchTree> m_searchTree;
+  bool m_ownsContents = true;
+  std::vector<const CRenderShape*> m_outlineShapes;
+  std::vector<CRenderObject*> m_frameObjects;  // kept between frames: no per-frame allocation
 };

@@ -1,9 +1,26 @@
 #pragma once
+// A model object as the engine keeps it: an ordered list of render shapes
+// with ids, a box and sphere, coarser level-of-detail shape lists, snap data
+// and grips, and instance transforms under which its leading shapes are
+// drawn repeatedly.
 #include <cstdint>
+#include <map>
+#include <vector>
 
+#include "kxrender/AcGeCurve3d.h"
+#include "kxrender/AcGeLine3d.h"
+#include "kxrender/AcGeMatrix3d.h"
+#include "kxrender/AcGePoint3d.h"
+#include "kxrender/AcGeVector3d.h"
+#include "kxrender/CColor.h"
+#include "kxrender/CGripPoint.h"
+#include "kxrender/CRenderShape.h"
+#include "kxrender/CSimpleMatrix.h"
+#include "kxrender/CString.h"
 #include "kxrender/Export.h"
 
-// A drawable object of the scene, made of render shapes.
+class CObjectSetMgr;
+
 class KXRENDER_API CRenderObject {
  public:
   // Passed unchanged to every shape's drawing: 0 draws wire frames, 2 and 4
@@ -11,4 +28,177 @@ class KXRENDER_API CRenderObject {
   enum RenderMode : int32_t {};
   // Kind of snap point found; a mask of these is a scene's snap mode.
   enum SnapMode : uint32_t {};
+
+  CRenderObject() = default;
+  CRenderObject(const CRenderObject& o);
+  CRenderObject& operator=(const CRenderObject& o);
+  // Hands every shape's display list to the scene's deletion queue when the
+  // object belongs to a set, then frees the snap curves and matrices.
+  virtual ~CRenderObject();
+
+  // ---- shapes ----
+  void addShape(const CRenderShape& s) { m_shapes.push_back(s); }
+  unsigned numShp() const { return static_cast<unsigned>(m_shapes.size()); }
+  // An index at or past the end gives the last shape.
+  CRenderShape& getShape(unsigned i);
+  const CRenderShape& getShape(unsigned i) const;
+  CRenderShape& operator[](unsigned i) { return getShape(i); }
+  const CRenderShape& operator[](unsigned i) const { return getShape(i); }
+  std::vector<CRenderShape>& getShps() { return m_shapes; }
+  const std::vector<CRenderShape>& getShps() const { return m_shapes; }
+  void clearShape() { m_shapes.clear(); }
+  // Call once after the last addShape: drops invalid shapes, trims storage,
+  // computes the box and the common colour.
+  void endAddShape();
+  void resize(unsigned n) { m_shapes.resize(n); }
+  size_t numTriangles() const;
+
+  bool getShapeHit(const unsigned& i) const;
+  bool getShapeHighLight(const unsigned& i) const;
+  CColor getShapeColor(const unsigned& i) const;
+  CColor getShapeBorderColor(const unsigned& i) const;
+  void setShapeColor(unsigned i, const CColor& c);
+  void hit(bool b);
+  void highLight(bool b);
+  // Flags the shapes whose tags hold any key of the map with its value
+  // (compared as CRenderShape::is does).
+  void hit(const std::map<CString, CString>& tags);
+  void highLight(const std::map<CString, CString>& tags);
+
+  // ---- ids and switches ----
+  void setId(unsigned id) { m_id = id; }
+  unsigned getId() const { return m_id; }
+  void setExternId(unsigned id) { m_externId = id; }
+  unsigned getExternId() const { return m_externId; }
+  void setRenderMode(RenderMode m) { m_renderMode = m; }
+  RenderMode getRenderMode() const { return m_renderMode; }
+  void setObjSet(CObjectSetMgr* set) { m_objSet = set; }
+  CObjectSetMgr* getObjSet() const { return m_objSet; }
+  void setVisible(bool v) { m_visible = v; }
+  bool isVisible() const { return m_visible; }
+  void setColor(const CColor& c) { m_color = c; }
+  const CColor& getColor() const { return m_color; }
+  void setGenerateShadow(bool b) { m_generateShadow = b; }
+  bool getGenerateShadow() const { return m_generateShadow; }
+  void setTrackerXor(bool b) { m_trackerXor = b; }
+  bool isTrackerXor() const { return m_trackerXor; }
+  void setFaceSnap(bool b) { m_faceSnap = b; }
+  bool getFaceSnap() const { return m_faceSnap; }
+  void setXdata(CString s) { m_xdata = s; }
+  CString getXdata() const { return m_xdata; }
+  void setExaGeoShapNum(unsigned n) { m_exaGeoShapNum = n; }
+  unsigned getExaGeoShapNum() const { return m_exaGeoShapNum; }
+  bool renderedFlag1() const { return m_renderedFlag1; }
+  bool renderedFlag2() const { return m_renderedFlag2; }
+  void setRenderedFlags(bool a, bool b) {
+    m_renderedFlag1 = a;
+    m_renderedFlag2 = b;
+  }
+
+  // ---- levels of detail ----
+  void setLodLevel(unsigned n);
+  std::vector<std::vector<CRenderShape>>& getLodShpss() { return m_lodShps; }
+  std::vector<CRenderShape>& getLodShpss(unsigned level) { return m_lodShps[level]; }
+  std::vector<unsigned>& getLodExaShapeNum() { return m_lodExaShapeNum; }
+  unsigned& getLodExaShapeNum(unsigned level) { return m_lodExaShapeNum[level]; }
+  std::vector<float>& getLodUnitsPerPixel() { return m_lodUnitsPerPixel; }
+  float& getLodUnitsPerPixel(unsigned level) { return m_lodUnitsPerPixel[level]; }
+  void setMaxUnitsPerPixel(double v) {
+    m_maxUnitsPerPixel = v;
+    m_hasMaxUnitsPerPixel = true;
+  }
+  double getMaxUnitsPerPixel() const { return m_maxUnitsPerPixel; }
+  bool hasMaxUnitsPerPixel() const { return m_hasMaxUnitsPerPixel; }
+
+  // ---- box and camera ----
+  void calBox();
+  void getBox(AcGePoint3d& min, AcGePoint3d& max) const {
+    min = m_ptMin;
+    max = m_ptMax;
+  }
+  void getSphere(AcGePoint3d& centre, float& radius) const {
+    centre = m_ptCenter;
+    radius = m_radius;
+  }
+  const AcGePoint3d& ptMin() const { return m_ptMin; }
+  const AcGePoint3d& ptMax() const { return m_ptMax; }
+  const AcGePoint3d& ptCenter() const { return m_ptCenter; }
+  float& getRadius() { return m_radius; }
+  double distanceToCamera() const;
+
+  // ---- drawing ----
+  void render(bool cullBackFaces, const double* unitsPerPixel, const double* pixelsPerUnit,
+              const AcGeVector3d* viewDirection);
+  // Shadow volumes are not drawn yet.
+  void renderShadowVolume() {}
+  // Shapes that must be drawn with the selection look after all objects.
+  void addOutlineShape(const CRenderShape* s);
+
+  // ---- transforms ----
+  void move(const AcGeVector3d& v);
+  void rotate(const AcGePoint3d& centre, double angle);
+  void mirror(const AcGeLine3d& line);
+  void addSmpMat(CSimpleMatrix* m) { m_smpMats.push_back(m); }
+  const std::vector<CSimpleMatrix*>& getSmpMat() const { return m_smpMats; }
+  void clearSmpMat();
+
+  // ---- snap data ----
+  void setSnapPoints(const std::vector<AcGePoint3d>& p) { m_snapPoints = p; }
+  const std::vector<AcGePoint3d>& getSnapPoints() const { return m_snapPoints; }
+  void setSnapCurves(const std::vector<AcGeCurve3d*>& c) { m_snapCurves = c; }
+  const std::vector<AcGeCurve3d*>& getSnapCurves() const { return m_snapCurves; }
+  void setSnapPointsExa(const std::vector<AcGePoint3d>& p) { m_snapPointsExa = p; }
+  const std::vector<AcGePoint3d>& getSnapPointsExa() const { return m_snapPointsExa; }
+  void setSnapCurvesExa(const std::vector<AcGeCurve3d*>& c) { m_snapCurvesExa = c; }
+  const std::vector<AcGeCurve3d*>& getSnapCurvesExa() const { return m_snapCurvesExa; }
+  void clearSnapCurves();
+  const AcGePoint3d& getSnapExaCenter() const { return m_snapExaCenter; }
+  float getSnapExaRadius() const { return m_snapExaRadius; }
+  void AutoCountCatchPoint();
+  void AutoCountCatchLine();
+  std::vector<CGripPoint>& gripPoint() { return m_grips; }
+  const std::vector<CGripPoint>& gripPoint() const { return m_grips; }
+
+ protected:
+  void transformBy(const AcGeMatrix3d& m);
+  void updateTree();
+  void copySanpCurves(const CRenderObject& o);
+
+ private:
+  void copyFrom(const CRenderObject& o);
+  void updateSnapExaSphere();
+  void drawShape(CRenderShape& s, bool cullBackFaces, const double* pixelsPerUnit,
+                 const AcGeVector3d* viewDirection, bool isLod);
+
+  std::vector<CRenderShape> m_shapes;
+  unsigned m_id = 0;
+  unsigned m_externId = 0;
+  RenderMode m_renderMode = RenderMode(2);
+  AcGePoint3d m_ptMin;
+  AcGePoint3d m_ptMax;
+  AcGePoint3d m_ptCenter;
+  float m_radius = 0.0f;
+  CObjectSetMgr* m_objSet = nullptr;
+  std::vector<AcGePoint3d> m_snapPoints;
+  std::vector<AcGeCurve3d*> m_snapCurves;
+  std::vector<AcGePoint3d> m_snapPointsExa;
+  std::vector<AcGeCurve3d*> m_snapCurvesExa;
+  AcGePoint3d m_snapExaCenter;
+  float m_snapExaRadius = 1.0f;
+  bool m_faceSnap = false;
+  CString m_xdata;
+  unsigned m_exaGeoShapNum = 0;
+  std::vector<CSimpleMatrix*> m_smpMats;
+  std::vector<std::vector<CRenderShape>> m_lodShps;
+  std::vector<unsigned> m_lodExaShapeNum;
+  std::vector<float> m_lodUnitsPerPixel;
+  double m_maxUnitsPerPixel = 0.0;
+  bool m_hasMaxUnitsPerPixel = false;
+  bool m_visible = true;
+  CColor m_color;
+  bool m_generateShadow = false;
+  bool m_trackerXor = false;
+  std::vector<CGripPoint> m_grips;
+  bool m_renderedFlag1 = false;
+  bool m_renderedFlag2 = false;
 };

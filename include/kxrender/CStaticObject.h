@@ -1,0 +1,49 @@
+#pragma once
+// Fixed geometry drawn once with immediate-mode calls into a display list
+// that the object set replays every frame. The list name is also the id.
+#include "kxrender/AcGePoint3d.h"
+#include "kxrender/CRenderSystem.h"
+#include "kxrender/Export.h"
+
+class CObjectSetMgr;
+
+class KXRENDER_API CStaticObject {
+ public:
+  CStaticObject();
+  // Both copies name the same list; a copy is visible and must be given its
+  // visibility explicitly.
+  CStaticObject(const CStaticObject& o);
+  CStaticObject& operator=(const CStaticObject& o);
+  // Does not delete the list: the object set does that before freeing.
+  ~CStaticObject() = default;
+
+  static CStaticObject* createStaticObject() { return new CStaticObject(); }
+
+  void beginBuild();
+  void endBuild();
+  void begin(CRenderSystem::ShapeType type);
+  void end();
+  void point(double x, double y, double z);
+  void normal(float x, float y, float z);
+  void color(unsigned char r, unsigned char g, unsigned char b);
+  void textureCoord(float s, float t);
+  void releaseDisplayList();
+
+  unsigned getRenderList() const { return m_renderList; }
+  void setObjSet(CObjectSetMgr* set) { m_objSet = set; }
+  CObjectSetMgr* getObjSet() const { return m_objSet; }
+  void setVisible(bool v) { m_visible = v; }
+  bool getVisible() const { return m_visible; }
+  void getBox(AcGePoint3d& min, AcGePoint3d& max) const {
+    min = m_boxMin;
+    max = m_boxMax;
+  }
+
+ private:
+  unsigned m_renderList = 0;
+  CObjectSetMgr* m_objSet = nullptr;
+  bool m_visible = true;
+  AcGePoint3d m_boxMin;
+  AcGePoint3d m_boxMax;
+  bool m_firstPoint = false;
+};
