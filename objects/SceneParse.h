@@ -1,0 +1,9 @@
+#pragma once
+// The parts of the scene file reader shared between its source files.
+#include "objects/SceneDecoder.h"
+#include "objects/SceneDoc.h"
+
+namespace kxscene {
+// One shape object, checked as a whole.
+bool parseShape(SceneDecoder& d, ShapeDoc& s);
+}  // namespace kxscene
