@@ -43,8 +43,12 @@ struct ShapeDoc {
   float borderMax = 8.0f;
   bool dotLine = false;
   CString texture;  // file name; empty for none
-  // Polygon offset: factor and units are the shape's area-derived base times
-  // these scales (for a face mesh the units base is 1).
+  // Polygon offset. For polylines and polygons these are the scales `set`
+  // takes: factor and units are the area-derived base times them. Other
+  // kinds keep their defaults (factor 0, units 1) unless offsets are given;
+  // then the factor is the base times factorScale and the units are
+  // unitScale.
+  bool hasOffsets = false;
   double factorScale = 1.0;
   double unitScale = 1.0;
   float zOffset = 0.0f;
@@ -99,6 +103,14 @@ struct SceneDoc {
   std::vector<KxStaticRecord> statics;
 };
 
+// The rules every saved shape and static object meets: "" when it does,
+// else what is wrong, starting with the field ("field \"pts\": ...").
+std::string checkShapeDoc(const ShapeDoc& s);
+std::string checkStaticRecord(const KxStaticRecord& rec);
+// For writing: what the reader would refuse in an object or a view.
+std::string checkObjectDoc(const ObjectDoc& o);
+std::string checkViewDoc(const ViewDoc& v);
+
 // Reads and checks a whole document. On failure error reads
 // "<name>: <where>: <what> (line L, column C)" and doc is unspecified.
 bool parseSceneDoc(JsonReader& reader, const std::string& name, SceneDoc& doc, std::string& error);
@@ -120,7 +132,7 @@ bool writeSceneDoc(JsonWriter& w, const SceneDoc& doc, std::string& error);
 // Engine objects from documents and back.
 CRenderObject* buildObject(const ObjectDoc& obj);
 void buildShape(const ShapeDoc& doc, CRenderShape& shape);
-void captureObject(const CRenderObject& obj, ObjectDoc& out);
+void captureObject(CRenderObject& obj, ObjectDoc& out);
 void captureShape(const CRenderShape& shape, ShapeDoc& out);
 void captureView(CSceneMgr& scene, ViewDoc& out);
 

@@ -162,13 +162,7 @@ bool parsePrimitive(SceneDecoder& d, KxStaticPrimitive& p) {
   });
   if (!ok) return false;
   if (!hasType) return d.fail("missing field \"type\"");
-  if (!hasPoints) return d.fail("missing field \"points\"");
-  const size_t n = p.points.size();
-  auto fits = [n](size_t k) { return k == 0 || k == 1 || k == n; };
-  if (!fits(p.normals.size())) return d.fail("field \"normals\": expected none, one, or one per point");
-  if (!fits(p.colors.size())) return d.fail("field \"colors\": expected none, one, or one per point");
-  if (!fits(p.texCoords.size())) return d.fail("field \"texCoords\": expected none, one, or one per point");
-  return true;
+  return hasPoints ? true : d.fail("missing field \"points\"");
 }
 
 bool parseStatic(SceneDecoder& d, KxStaticRecord& rec) {
@@ -187,7 +181,9 @@ bool parseStatic(SceneDecoder& d, KxStaticRecord& rec) {
     return -1;
   });
   if (!ok) return false;
-  return hasPrimitives ? true : d.fail("missing field \"primitives\"");
+  if (!hasPrimitives) return d.fail("missing field \"primitives\"");
+  const std::string problem = checkStaticRecord(rec);
+  return problem.empty() ? true : d.fail(problem);
 }
 
 bool parseHeader(SceneDecoder& d) {

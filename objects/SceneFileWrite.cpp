@@ -163,7 +163,7 @@ bool shape(JsonWriter& w, const ShapeDoc& s, const std::string& where, std::stri
     w.key("texture");
     if (!text(w, s.texture, where + ": field \"texture\"", error)) return false;
   }
-  if (s.factorScale != 1.0 || s.unitScale != 1.0 || s.zOffset != 0.0f) {
+  if (s.hasOffsets) {
     w.key("offsets");
     w.beginObject(true);
     w.key("factorScale");

@@ -2,7 +2,6 @@
 // keep drawing and hit testing safe: point counts, index ranges, array
 // lengths that match, directions of non-zero length.
 #include <climits>
-#include <cmath>
 #include <set>
 
 #include "objects/SceneDecoder.h"
@@ -71,6 +70,7 @@ bool parseBorder(SceneDecoder& d, ShapeDoc& s) {
 }
 
 bool parseOffsets(SceneDecoder& d, ShapeDoc& s) {
+  s.hasOffsets = true;
   return d.members([&](const std::string& key) -> int {
     if (key == "factorScale") return d.number(s.factorScale);
     if (key == "unitScale") return d.number(s.unitScale);
@@ -128,25 +128,10 @@ bool checkShape(SceneDecoder& d, const ShapeDoc& s, const std::set<std::string>&
     case CRenderShape::kPgon:
       return require("pts");
     case CRenderShape::kText:
-      if (!require("text") || !require("height") || !require("position")) return false;
-      if (!(s.height > 0.0)) return d.fail("field \"height\": expected a text height above 0");
-      return true;
+      return require("text") && require("height") && require("position");
     default:
-      break;
+      return require("vertices") && require("triangles");
   }
-  if (!require("vertices") || !require("triangles")) return false;
-  const size_t n = s.vertices.size();
-  if (s.triangles.empty() || s.triangles.size() % 3 != 0)
-    return d.fail("field \"triangles\": expected three vertex indices per triangle, at least one triangle");
-  for (size_t i = 0; i < s.triangles.size(); ++i)
-    if (size_t(s.triangles[i]) >= n)
-      return d.fail("field \"triangles\": index " + std::to_string(s.triangles[i]) + " at position " +
-                    std::to_string(i) + " is past the last of " + std::to_string(n) + " vertices");
-  if (!s.normals.empty() && s.normals.size() != n)
-    return d.fail("field \"normals\": expected one normal per vertex (" + std::to_string(n) + ")");
-  if (!s.texCoords.empty() && s.texCoords.size() != n)
-    return d.fail("field \"texCoords\": expected one pair per vertex (" + std::to_string(n) + ")");
-  return true;
 }
 
 }  // namespace
@@ -191,19 +176,8 @@ bool parseShape(SceneDecoder& d, ShapeDoc& s) {
     return -1;
   });
   if (!ok || !checkShape(d, s, given)) return false;
-  const size_t minPts = s.kind == CRenderShape::kPgon ? 3 : 2;
-  if (given.count("pts") && s.pts.size() < minPts) {
-    SceneDecoder::Scope f(d, "pts", SceneDecoder::Kind::Field);
-    return d.fail("a " + std::string(kindName(s.kind)) + " needs at least " + std::to_string(minPts) + " points");
-  }
-  for (size_t i = 0; i < s.holes.size(); ++i) {
-    if (s.holes[i].size() < 3) {
-      SceneDecoder::Scope f(d, "holes", SceneDecoder::Kind::Field);
-      SceneDecoder::Scope h(d, "hole " + std::to_string(i), SceneDecoder::Kind::Item);
-      return d.fail("a hole needs at least 3 points");
-    }
-  }
-  return true;
+  const std::string problem = checkShapeDoc(s);
+  return problem.empty() ? true : d.fail(problem);
 }
 
 }  // namespace kxscene
