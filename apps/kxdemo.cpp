@@ -1,5 +1,8 @@
 // Renders the built-in scene off-screen and writes the frame as a PNG.
-//   kxdemo [--out FILE] [--size WIDTHxHEIGHT]
+//   kxdemo [--out FILE] [--size WIDTHxHEIGHT] [--tower S B | --tower M | --tower XL] [SCENE.json]
+// The model is the reference tower (4 storeys, 3 bays unless --tower says
+// otherwise), or the scene file when one is named.
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -9,11 +12,83 @@
 
 #include "kxrender/CSceneMgr.h"
 #include "kxrender/KxImage.h"
+#include "kxrender/KxSceneFile.h"
+#include "kxrender/KxTowerModel.h"
 #include "kxrender/KxWindow.h"
+
+namespace {
+
+struct ModelChoice {
+  int storeys = 4;
+  int bays = 3;
+  std::string sceneFile;
+};
+
+// "--tower M", "--tower XL" or "--tower S B"; advances i past what it used.
+bool parseTower(int argc, char** argv, int& i, ModelChoice& m) {
+  if (i + 1 >= argc) return false;
+  const std::string size = argv[i + 1];
+  if (size == "M" || size == "XL") {
+    m.storeys = size == "M" ? kTowerMStoreys : kTowerXLStoreys;
+    m.bays = size == "M" ? kTowerMBays : kTowerXLBays;
+    i += 1;
+    return true;
+  }
+  char* end = nullptr;
+  if (i + 2 >= argc) return false;
+  const long s = std::strtol(argv[i + 1], &end, 10);
+  if (*end) return false;
+  const long b = std::strtol(argv[i + 2], &end, 10);
+  if (*end || s < 1 || s > kTowerMaxStoreys || b < 1 || b > kTowerMaxBays) return false;
+  m.storeys = int(s);
+  m.bays = int(b);
+  i += 2;
+  return true;
+}
+
+void printCounts(const std::string& what, const KxModelCounts& c, double ms) {
+  std::printf("kxdemo: %s: %zu objects, %zu polygons, %zu holes, %zu triangles, %zu vertices (%.0f ms)\n",
+              what.c_str(), c.objects, c.polygons, c.holes, c.triangles, c.vertices, ms);
+}
+
+// Fills the scene and points the camera at it: down along (-1, -1, -0.8)
+// with the whole model in view, unless a scene file brings its own view.
+bool loadModel(CSceneMgr& scene, const ModelChoice& m) {
+  const auto start = std::chrono::steady_clock::now();
+  auto elapsed = [&] {
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+  };
+  bool hasView = false;
+  if (!m.sceneFile.empty()) {
+    CString error;
+    KxSceneFileExtras extras;
+    if (!KxReadSceneFile(m.sceneFile.c_str(), scene, error, &extras)) {
+      std::fprintf(stderr, "kxdemo: %s\n", error.GetString());
+      return false;
+    }
+    hasView = extras.hasView;
+    printCounts(m.sceneFile, KxCountModel(*scene.getObjSetMgr()), elapsed());
+  } else {
+    const KxModelCounts c = KxBuildTower(*scene.getObjSetMgr(), m.storeys, m.bays);
+    scene.getObjSetMgr()->freshBox();
+    printCounts("tower S=" + std::to_string(m.storeys) + " B=" + std::to_string(m.bays), c, elapsed());
+  }
+  if (!hasView) {
+    const AcGeVector3d forward = AcGeVector3d(-1.0, -1.0, -0.8).normal();
+    const AcGeVector3d z(0.0, 0.0, 1.0);
+    const AcGeVector3d up = (z - forward * z.dotProduct(forward)).normal();
+    scene.camera()->ReSet(AcGeVector3d(0.0, 0.0, 0.0), up, forward);
+    scene.zoomE();
+  }
+  return true;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
   std::string out = "out/kxdemo.png";
   int width = 1280, height = 720;
+  ModelChoice model;
   for (int i = 1; i < argc; ++i) {
     if (!std::strcmp(argv[i], "--out") && i + 1 < argc) {
       out = argv[++i];
@@ -23,8 +98,18 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "kxdemo: --size wants WIDTHxHEIGHT, each 1 to 16384\n");
         return 2;
       }
+    } else if (!std::strcmp(argv[i], "--tower")) {
+      if (!parseTower(argc, argv, i, model)) {
+        std::fprintf(stderr, "kxdemo: --tower wants M, XL, or STOREYS BAYS (1 to %d, 1 to %d)\n", kTowerMaxStoreys,
+                     kTowerMaxBays);
+        return 2;
+      }
+    } else if (argv[i][0] != '-' && model.sceneFile.empty()) {
+      model.sceneFile = argv[i];
     } else {
-      std::fprintf(stderr, "usage: kxdemo [--out FILE] [--size WIDTHxHEIGHT]\n");
+      std::fprintf(stderr,
+                   "usage: kxdemo [--out FILE] [--size WIDTHxHEIGHT] [--tower S B | --tower M | --tower XL] "
+                   "[SCENE.json]\n");
       return 2;
     }
   }
@@ -40,9 +125,7 @@ int main(int argc, char** argv) {
     return 1;
   }
   scene.setBkColor(0x503C28);  // dark slate blue: red 0x28, green 0x3C, blue 0x50
-  // Turn the view so all three axes of the tripod show.
-  scene.camera()->RotateCaremaRealWorldZ(-0.6, AcGePoint3d::kOrigin);
-  scene.camera()->RotateCaremaRight(-0.9, AcGePoint3d::kOrigin);
+  if (!loadModel(scene, model)) return 1;
   scene.render();
   scene.draw3dOrbit();
   scene.finish();
