@@ -39,7 +39,7 @@ bool parseTower(int argc, char** argv, int& i, ModelChoice& m) {
   const long s = std::strtol(argv[i + 1], &end, 10);
   if (*end) return false;
   const long b = std::strtol(argv[i + 2], &end, 10);
-  if (*end || s < 1 || s > kTowerMaxStoreys || b < 1 || b > kTowerMaxBays) return false;
+  if (*end || s < 1 || s > kTowerMaxStoreys || b < kTowerMinBays || b > kTowerMaxBays) return false;
   m.storeys = int(s);
   m.bays = int(b);
   i += 2;
@@ -100,8 +100,8 @@ int main(int argc, char** argv) {
       }
     } else if (!std::strcmp(argv[i], "--tower")) {
       if (!parseTower(argc, argv, i, model)) {
-        std::fprintf(stderr, "kxdemo: --tower wants M, XL, or STOREYS BAYS (1 to %d, 1 to %d)\n", kTowerMaxStoreys,
-                     kTowerMaxBays);
+        std::fprintf(stderr, "kxdemo: --tower wants M, XL, or STOREYS BAYS (1 to %d, %d to %d)\n",
+                     kTowerMaxStoreys, kTowerMinBays, kTowerMaxBays);
         return 2;
       }
     } else if (argv[i][0] != '-' && model.sceneFile.empty()) {

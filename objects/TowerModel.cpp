@@ -178,7 +178,7 @@ KxModelCounts KxCountModel(const CObjectSetMgr& set) {
 
 KxModelCounts KxBuildTower(CObjectSetMgr& set, int storeys, int bays) {
   Builder b{set, {}};
-  if (storeys < 1 || storeys > kTowerMaxStoreys || bays < 1 || bays > kTowerMaxBays) return b.counts;
+  if (storeys < 1 || storeys > kTowerMaxStoreys || bays < kTowerMinBays || bays > kTowerMaxBays) return b.counts;
   const double w = kBay * bays;
   const double c = w / 2.0;
   const int labelsPerSide = (bays + 1) / 2;

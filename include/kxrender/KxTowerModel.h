@@ -27,12 +27,14 @@ struct KXRENDER_API KxModelCounts {
 // Named sizes of the benchmarks.
 constexpr int kTowerMStoreys = 20, kTowerMBays = 10;
 constexpr int kTowerXLStoreys = 60, kTowerXLBays = 20;
-// What KxBuildTower accepts.
+// What KxBuildTower accepts. The stair and lift openings need a footprint
+// of at least two bays (12 m) to lie inside the slab.
+constexpr int kTowerMinBays = 2;
 constexpr int kTowerMaxStoreys = 1000, kTowerMaxBays = 100;
 
 // Adds the tower's objects to the set, in the order above, and returns the
 // counts of what it added. Sizes outside 1..kTowerMaxStoreys and
-// 1..kTowerMaxBays add nothing and give zero counts.
+// kTowerMinBays..kTowerMaxBays add nothing and give zero counts.
 KXRENDER_API KxModelCounts KxBuildTower(CObjectSetMgr& set, int storeys, int bays);
 
 // The same counts for everything a set holds (full-detail shapes).
