@@ -52,7 +52,7 @@ void CSceneMgr::zoom(int n) {
 
 void CSceneMgr::zoomE() {
   AcGePoint3d boxMin, boxMax;
-  m_objSetMgr.getBox(boxMin, boxMax);
+  m_objSetMgr.getBox0(boxMin, boxMax);
   if (!finite(boxMin) || !finite(boxMax) || boxMin.isEqualTo(boxMax)) return;
   setRange(0.5 * boxMin.distanceTo(boxMax));
   const AcGePoint3d c = boxMin + (boxMax - boxMin) * 0.5;

@@ -56,6 +56,8 @@
   X(void, PolygonMode, (GLenum face, GLenum mode), (face, mode))                                                  \
   X(void, PolygonOffset, (GLfloat factor, GLfloat units), (factor, units))                                        \
   X(void, CullFace, (GLenum mode), (mode))                                                                        \
+  X(void, LogicOp, (GLenum op), (op))                                                                             \
+  X(GLint, RenderMode, (GLenum mode), (mode))                                                                     \
   X(void, FrontFace, (GLenum mode), (mode))                                                                       \
   X(void, ColorMask, (GLboolean r, GLboolean g, GLboolean b, GLboolean a), (r, g, b, a))                          \
   X(void, StencilFunc, (GLenum func, GLint ref, GLuint mask), (func, ref, mask))                                  \

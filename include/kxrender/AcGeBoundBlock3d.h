@@ -10,6 +10,7 @@ public:
   AcGeBoundBlock3d(const AcGePoint3d& p1, const AcGePoint3d& p2) { set(p1, p2); }
 
   AcGe::EntityId type() const override { return AcGe::kBoundBlock3d; }
+  AcGeEntity3d* copy() const override { return new AcGeBoundBlock3d(*this); }
   bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kBoundBlock3d || AcGeEntity3d::isKindOf(id); }
 
   // The box spanned by two opposite corners, in any order.

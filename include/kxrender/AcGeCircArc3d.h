@@ -22,6 +22,7 @@ public:
   AcGeCircArc3d& operator=(const AcGeCircArc3d&) = default;
 
   AcGe::EntityId type() const override { return AcGe::kCircArc3d; }
+  AcGeEntity3d* copy() const override { return new AcGeCircArc3d(*this); }
   bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kCircArc3d || AcGeCurve3d::isKindOf(id); }
 
   AcGeCircArc3d& set(const AcGePoint3d& center, const AcGeVector3d& normal, double radius);

@@ -22,6 +22,7 @@ public:
   }
 
   AcGe::EntityId type() const override { return AcGe::kCurveCurveInt3d; }
+  AcGeEntity3d* copy() const override { return new AcGeCurveCurveInt3d(*this); }
   bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kCurveCurveInt3d || AcGeEntity3d::isKindOf(id); }
 
   AcGeCurveCurveInt3d& set(const AcGeCurve3d& curve1, const AcGeCurve3d& curve2,

@@ -20,6 +20,7 @@ public:
   AcGeEllipArc3d& operator=(const AcGeEllipArc3d&) = default;
 
   AcGe::EntityId type() const override { return AcGe::kEllipArc3d; }
+  AcGeEntity3d* copy() const override { return new AcGeEllipArc3d(*this); }
   bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kEllipArc3d || AcGeCurve3d::isKindOf(id); }
 
   // The minor axis is made perpendicular to the major axis.

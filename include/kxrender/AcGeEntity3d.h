@@ -16,6 +16,8 @@ public:
   // True when this entity is of kind id or derives from it.
   virtual bool isKindOf(AcGe::EntityId id) const { return id == AcGe::kEntity3d; }
   virtual AcGeEntity3d& transformBy(const AcGeMatrix3d& mat) = 0;
+  // A heap copy of the same kind; the caller owns it.
+  virtual AcGeEntity3d* copy() const = 0;
   // The point lies on the entity within tol.equalPoint.
   virtual bool isOn(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const = 0;
 

@@ -18,6 +18,7 @@ public:
   AcGeLine3d& set(const AcGePoint3d& p1, const AcGePoint3d& p2) { mPoint = p1; mVector = p2 - p1; return *this; }
 
   AcGe::EntityId type() const override { return AcGe::kLine3d; }
+  AcGeEntity3d* copy() const override { return new AcGeLine3d(*this); }
   bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kLine3d || AcGeLinearEnt3d::isKindOf(id); }
   void getInterval(double& lower, double& upper) const override {
     lower = -std::numeric_limits<double>::infinity();

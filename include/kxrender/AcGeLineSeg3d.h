@@ -19,6 +19,7 @@ public:
   }
 
   AcGe::EntityId type() const override { return AcGe::kLineSeg3d; }
+  AcGeEntity3d* copy() const override { return new AcGeLineSeg3d(*this); }
   bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kLineSeg3d || AcGeLinearEnt3d::isKindOf(id); }
   void getInterval(double& lower, double& upper) const override { lower = 0.0; upper = 1.0; }
 

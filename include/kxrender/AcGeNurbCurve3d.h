@@ -27,6 +27,7 @@ public:
   AcGeNurbCurve3d& operator=(const AcGeNurbCurve3d&) = default;
 
   AcGe::EntityId type() const override { return AcGe::kNurbCurve3d; }
+  AcGeEntity3d* copy() const override { return new AcGeNurbCurve3d(*this); }
   bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kNurbCurve3d || AcGeSplineEnt3d::isKindOf(id); }
 
   bool isValid() const { return mValid; }

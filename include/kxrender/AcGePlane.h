@@ -22,6 +22,7 @@ public:
   static const AcGePlane kZXPlane;
 
   AcGe::EntityId type() const override { return AcGe::kPlane; }
+  AcGeEntity3d* copy() const override { return new AcGePlane(*this); }
   bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kPlane || AcGePlanarEnt::isKindOf(id); }
 
   AcGePlane& set(const AcGePoint3d& origin, const AcGeVector3d& normal) { setFrame(origin, normal); return *this; }

@@ -13,6 +13,7 @@ public:
   AcGePointOnCurve3d(const AcGeCurve3d& curve, double param) { setCurve(curve); setParameter(param); }
 
   AcGe::EntityId type() const override { return AcGe::kPointOnCurve3d; }
+  AcGeEntity3d* copy() const override { return new AcGePointOnCurve3d(*this); }
   bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kPointOnCurve3d || AcGePointEnt3d::isKindOf(id); }
 
   const AcGeCurve3d* curve() const { return mCurve; }

@@ -17,6 +17,7 @@ public:
   }
 
   AcGe::EntityId type() const override { return AcGe::kRay3d; }
+  AcGeEntity3d* copy() const override { return new AcGeRay3d(*this); }
   bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kRay3d || AcGeLinearEnt3d::isKindOf(id); }
   void getInterval(double& lower, double& upper) const override {
     lower = 0.0;

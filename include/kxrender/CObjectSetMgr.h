@@ -2,6 +2,7 @@
 // Everything one scene draws: render objects keyed by the ids the set hands
 // out, static display-list objects, typed assist points, the set's box and
 // a spatial index over the object boxes.
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <utility>
@@ -113,4 +114,8 @@ class KXRENDER_API CObjectSetMgr {
   bool m_ownsContents = true;
   std::vector<const CRenderShape*> m_outlineShapes;
   std::vector<CRenderObject*> m_frameObjects;  // kept between frames: no per-frame allocation
+  std::vector<CRenderObject*> m_transparentObjects;
+  // Taken ids tried in a row before giving up; tests lower it.
+  uint32_t m_idAttemptLimit = 0xFFFFFFFDu;
+  friend struct CObjectSetMgrTestAccess;
 };

@@ -1,0 +1,201 @@
+// Render passes of the object set: static objects, culled render objects
+// (opaque, blended, or under stencil shadows), then the dashed outlines of
+// hit shapes.
+#include <algorithm>
+#include <cmath>
+
+#include "kxrender/CObjectSetMgr.h"
+#include "kxrender/CSceneMgr.h"
+#include "support/GLTable.h"
+
+namespace {
+// The numeric value of GL_DEPTH_RANGE, passed as an attribute mask; it is
+// what the rest of the engine pushes and pops everywhere.
+const GLbitfield kAttribMask = 0x0B70;
+}  // namespace
+
+void CObjectSetMgr::setRenderMode(CRenderObject::RenderMode mode) {
+  m_renderMode = mode;
+  for (auto& kv : m_objects)
+    if (kv.second) kv.second->setRenderMode(mode);
+}
+
+void CObjectSetMgr::releaseDispList() {
+  for (auto& kv : m_objects) {
+    if (!kv.second) continue;
+    for (CRenderShape& s : kv.second->getShps()) s.releaseDisplayList();
+    for (std::vector<CRenderShape>& level : kv.second->getLodShpss())
+      for (CRenderShape& s : level) s.releaseDisplayList();
+  }
+}
+
+void CObjectSetMgr::render() {
+  if (!m_scene) return;
+  kgl->RenderMode(GL_RENDER);
+  kgl->Enable(GL_NORMALIZE);
+  m_scene->updateFrustumAndMatrix();
+  kgl->PushAttrib(kAttribMask);
+  kgl->DepthRange(0.1, 1.0);
+  if (m_scene->isLightOpen())
+    kgl->Enable(GL_LIGHTING);
+  else
+    kgl->Disable(GL_LIGHTING);
+  kgl->Enable(GL_POLYGON_OFFSET_FILL);
+  m_outlineShapes.clear();
+  kgl->LineWidth(1.0f);
+  if (!m_scene->isAccelerate()) {
+    for (const CStaticObject* s : m_staticObjects)
+      if (s && s->getVisible()) kgl->CallList(s->getRenderList());
+  }
+  renderObjs(m_scene->isShadow() ? 1 : 0);
+  renderOutlines();
+  kgl->PopAttrib();
+  kgl->LineWidth(1.2f);
+}
+
+void CObjectSetMgr::renderOutlines() {
+  kgl->Enable(GL_LINE_STIPPLE);
+  kgl->LineStipple(1, 0x0F0F);
+  kgl->PushAttrib(kAttribMask);
+  // Just in front of the faces drawn at 0.1, so outlines win the depth test.
+  kgl->DepthRange(0.09995, 1.0);
+  kgl->Normal3f(0.0f, 0.0f, 1.0f);
+  for (const CRenderShape* s : m_outlineShapes) {
+    if (!s) continue;
+    const CColor& c = s->getClr();
+    if (s->getShpType() == CRenderShape::kFace) {
+      kgl->LineWidth(s->getBorderWidth());
+      const GLubyte v = (c.r + c.g + c.b < 551) ? 255 : 0;
+      kgl->Color3ub(v, v, 255);
+      for (const std::vector<AcGePoint3d>& line : s->getHitLine()) {
+        kgl->Begin(GL_LINE_STRIP);
+        for (const AcGePoint3d& p : line) kgl->Vertex3d(p.x, p.y, p.z);
+        kgl->End();
+      }
+    } else if (s->getShpType() == CRenderShape::kPline) {
+      kgl->LineWidth(2.2f);
+      kgl->Color4ub(c.r, c.g, c.b, c.a);
+      kgl->Begin(GL_LINE_STRIP);
+      for (const AcGePoint3d& p : s->getPts()) kgl->Vertex3d(p.x, p.y, p.z);
+      kgl->End();
+    }
+  }
+  kgl->PopAttrib();
+  kgl->LineWidth(1.2f);
+  kgl->Disable(GL_LINE_STIPPLE);
+  kgl->Disable(GL_POLYGON_OFFSET_FILL);
+}
+
+void CObjectSetMgr::sortForTransparent(std::vector<CRenderObject*>& objs) {
+  // Keys are computed once: distances come from the camera and must not be
+  // re-evaluated inside the comparison, and NaN must not reach it.
+  struct Key {
+    CRenderObject* obj;
+    bool single;
+    double area;
+    double distance;
+  };
+  std::vector<Key> keys;
+  keys.reserve(objs.size());
+  for (CRenderObject* o : objs) {
+    Key k{o, false, 0.0, 0.0};
+    if (o) {
+      k.single = o->numShp() == 1;
+      k.area = k.single ? o->getShape(0).getArea() : 0.0;
+      k.distance = o->distanceToCamera();
+      if (std::isnan(k.area)) k.area = -INFINITY;
+      if (std::isnan(k.distance)) k.distance = -INFINITY;
+    }
+    keys.push_back(k);
+  }
+  std::sort(keys.begin(), keys.end(), [](const Key& a, const Key& b) {
+    if (!b.obj) return false;
+    if (!a.obj) return true;
+    if (a.single != b.single) return a.single;  // single-shape objects first
+    if (a.single) return a.area > b.area;       // larger faces first
+    return a.distance > b.distance;             // farther objects first
+  });
+  for (size_t i = 0; i < keys.size(); ++i) objs[i] = keys[i].obj;
+}
+
+void CObjectSetMgr::renderObjs(int mode) {
+  getObjsInFrustum(m_frameObjects);
+  if (!m_scene) return;
+  kgl->EnableClientState(GL_VERTEX_ARRAY);
+  const std::vector<unsigned> partIds = m_scene->GetPartTrans() ? m_scene->GetPartTransIds() : std::vector<unsigned>();
+  if (m_scene->getTransparent() == 255 || (m_scene->GetPartTrans() && partIds.empty())) {
+    kgl->Disable(GL_BLEND);
+    renderObjs(m_frameObjects, mode);
+  } else if (!m_scene->GetPartTrans()) {
+    kgl->Enable(GL_BLEND);
+    kgl->BlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    sortForTransparent(m_frameObjects);
+    renderObjs(m_frameObjects, mode);
+  } else {
+    // Listed objects are drawn blended after everything else, whether the
+    // frustum holds them or not.
+    m_transparentObjects.clear();
+    for (unsigned id : partIds) {
+      CRenderObject* o = getObj(id);
+      if (!o) continue;
+      m_transparentObjects.push_back(o);
+      auto it = std::find(m_frameObjects.begin(), m_frameObjects.end(), o);
+      if (it != m_frameObjects.end()) m_frameObjects.erase(it);
+    }
+    kgl->Disable(GL_BLEND);
+    renderObjs(m_frameObjects, mode);
+    kgl->Enable(GL_BLEND);
+    kgl->BlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    sortForTransparent(m_transparentObjects);
+    renderObjs(m_transparentObjects, mode);
+  }
+  kgl->DisableClientState(GL_VERTEX_ARRAY);
+  kgl->Disable(GL_BLEND);
+}
+
+void CObjectSetMgr::drawObjects(const std::vector<CRenderObject*>& objs) {
+  const double pixelsPerUnit = m_scene->getPixelsPerUnit();
+  const double unitsPerPixel = 1.0 / pixelsPerUnit;
+  const AcGeVector3d viewDirection = -m_scene->camera()->GetVForward();
+  for (CRenderObject* o : objs)
+    if (o) o->render(true, &unitsPerPixel, &pixelsPerUnit, &viewDirection);
+}
+
+void CObjectSetMgr::renderObjs(const std::vector<CRenderObject*>& objs, int mode) {
+  if (!m_scene) return;
+  kgl->PointSize(3.0f);
+  if (mode == 0) {
+    drawObjects(objs);
+    return;
+  }
+  if (mode != 1) return;
+  // Depth-fail stencil shadows: an unlit pass fills depth, the volumes
+  // count into the stencil, and a lit pass draws where the count is 0.
+  kgl->Disable(GL_LIGHT0);
+  drawObjects(objs);
+  kgl->Enable(GL_LIGHT0);
+  kgl->ColorMask(0, 0, 0, 0);
+  kgl->DepthMask(0);
+  kgl->DepthFunc(GL_LESS);
+  kgl->Enable(GL_STENCIL_TEST);
+  kgl->StencilFunc(GL_ALWAYS, 0, ~0u);
+  kgl->StencilOp(GL_KEEP, GL_INCR_WRAP, GL_KEEP);
+  kgl->Enable(GL_CULL_FACE);
+  kgl->CullFace(GL_FRONT);
+  for (CRenderObject* o : objs)
+    if (o) o->renderShadowVolume();
+  kgl->StencilOp(GL_KEEP, GL_DECR_WRAP, GL_KEEP);
+  kgl->CullFace(GL_BACK);
+  for (CRenderObject* o : objs)
+    if (o) o->renderShadowVolume();
+  kgl->DepthMask(1);
+  kgl->DepthFunc(GL_LEQUAL);
+  kgl->ColorMask(1, 1, 1, 1);
+  kgl->StencilOp(GL_KEEP, GL_KEEP, GL_KEEP);
+  kgl->Disable(GL_CULL_FACE);
+  kgl->StencilFunc(GL_EQUAL, 0, ~0u);
+  kgl->Enable(GL_LIGHT0);
+  drawObjects(objs);
+  kgl->DepthFunc(GL_LESS);
+  kgl->Disable(GL_STENCIL_TEST);
+}

@@ -1,0 +1,242 @@
+// Render object: shapes, box and sphere, per-shape state, levels of detail.
+#include <cmath>
+
+#include "kxrender/CObjectSetMgr.h"
+#include "kxrender/CRenderObject.h"
+#include "kxrender/CSceneMgr.h"
+
+namespace {
+
+bool finiteBox(const CRenderShape& s) {
+  AcGePoint3d lo, hi;
+  s.getBox(lo, hi);
+  return std::isfinite(lo.x) && std::isfinite(lo.y) && std::isfinite(lo.z) && std::isfinite(hi.x) &&
+         std::isfinite(hi.y) && std::isfinite(hi.z);
+}
+
+// Whether a shape has geometry to measure: an unfilled or empty shape keeps
+// its box at the origin, which must not drag the object's box there.
+bool hasExtent(const CRenderShape& s) {
+  switch (s.getShpType()) {
+    case CRenderShape::kPline:
+    case CRenderShape::kPgon:
+      return !s.getPts().empty();
+    case CRenderShape::kText:
+      return s.getTextInfo() != nullptr;
+    case CRenderShape::kFace:
+      return s.getFaceVertexArray() && !s.getFaceVertexArray()->empty();
+    default:
+      return false;
+  }
+}
+
+void widen(AcGePoint3d& lo, AcGePoint3d& hi, const AcGePoint3d& p, bool& first) {
+  if (first) {
+    lo = hi = p;
+    first = false;
+    return;
+  }
+  lo.x = std::min(lo.x, p.x), lo.y = std::min(lo.y, p.y), lo.z = std::min(lo.z, p.z);
+  hi.x = std::max(hi.x, p.x), hi.y = std::max(hi.y, p.y), hi.z = std::max(hi.z, p.z);
+}
+
+void widenByBox(AcGePoint3d& lo, AcGePoint3d& hi, const AcGePoint3d& a, const AcGePoint3d& b,
+                const AcGeMatrix3d* m, bool& first) {
+  if (!m) {
+    widen(lo, hi, a, first);
+    widen(lo, hi, b, first);
+    return;
+  }
+  for (int c = 0; c < 8; ++c) {
+    const AcGePoint3d corner((c & 1) ? b.x : a.x, (c & 2) ? b.y : a.y, (c & 4) ? b.z : a.z);
+    widen(lo, hi, *m * corner, first);
+  }
+}
+
+}  // namespace
+
+CRenderObject::CRenderObject(const CRenderObject& o) { copyFrom(o); }
+
+CRenderObject& CRenderObject::operator=(const CRenderObject& o) {
+  if (this != &o) copyFrom(o);
+  return *this;
+}
+
+void CRenderObject::copyFrom(const CRenderObject& o) {
+  m_shapes = o.m_shapes;
+  m_id = o.m_id;
+  m_externId = o.m_externId;
+  m_renderMode = o.m_renderMode;
+  m_ptMin = o.m_ptMin;
+  m_ptMax = o.m_ptMax;
+  m_ptCenter = o.m_ptCenter;
+  m_radius = o.m_radius;
+  m_objSet = o.m_objSet;
+  m_snapPoints = o.m_snapPoints;
+  m_snapPointsExa = o.m_snapPointsExa;
+  copySanpCurves(o);
+  m_snapExaCenter = o.m_snapExaCenter;
+  m_snapExaRadius = o.m_snapExaRadius;
+  m_faceSnap = o.m_faceSnap;
+  m_xdata = o.m_xdata;
+  m_exaGeoShapNum = o.m_exaGeoShapNum;
+  clearSmpMat();
+  for (const CSimpleMatrix* m : o.m_smpMats) m_smpMats.push_back(m ? new CSimpleMatrix(*m) : nullptr);
+  m_lodShps = o.m_lodShps;
+  m_lodExaShapeNum = o.m_lodExaShapeNum;
+  m_lodUnitsPerPixel = o.m_lodUnitsPerPixel;
+  m_maxUnitsPerPixel = o.m_maxUnitsPerPixel;
+  m_hasMaxUnitsPerPixel = o.m_hasMaxUnitsPerPixel;
+  m_visible = o.m_visible;
+  m_color = o.m_color;
+  m_generateShadow = o.m_generateShadow;
+  m_trackerXor = o.m_trackerXor;
+  m_grips = o.m_grips;
+  m_renderedFlag1 = o.m_renderedFlag1;
+  m_renderedFlag2 = o.m_renderedFlag2;
+}
+
+CRenderObject::~CRenderObject() {
+  // The context may not be current here: hand the lists to the scene, which
+  // deletes them at the start of its next frame.
+  CSceneMgr* scene = m_objSet ? m_objSet->getScene() : nullptr;
+  if (scene) {
+    auto hand = [scene](std::vector<CRenderShape>& shapes) {
+      for (CRenderShape& s : shapes) {
+        if (s.getFaceDisplayList()) scene->addRemovedDispList(s.getFaceDisplayList());
+        s.reValueDispList();
+      }
+    };
+    hand(m_shapes);
+    for (std::vector<CRenderShape>& level : m_lodShps) hand(level);
+  }
+  clearSnapCurves();
+  clearSmpMat();
+}
+
+CRenderShape& CRenderObject::getShape(unsigned i) {
+  return m_shapes[i < m_shapes.size() ? i : m_shapes.size() - 1];
+}
+
+const CRenderShape& CRenderObject::getShape(unsigned i) const {
+  return m_shapes[i < m_shapes.size() ? i : m_shapes.size() - 1];
+}
+
+void CRenderObject::endAddShape() {
+  while (!m_shapes.empty() && m_shapes.back().getShpType() >= 101) m_shapes.pop_back();
+  for (size_t i = 0; i < m_shapes.size(); ++i) {
+    if (!finiteBox(m_shapes[i]) || m_shapes[i].getShpType() > 100) {
+      m_shapes.erase(m_shapes.begin() + static_cast<std::ptrdiff_t>(i));
+      --i;
+    }
+  }
+  // Objects stay for the life of the model: trim the spare capacity.
+  std::vector<CRenderShape> fitted;
+  fitted.reserve(m_shapes.size());
+  for (CRenderShape& s : m_shapes) fitted.push_back(s);
+  m_shapes.swap(fitted);
+  calBox();
+  if (m_exaGeoShapNum > m_shapes.size()) m_exaGeoShapNum = static_cast<unsigned>(m_shapes.size());
+  if (m_shapes.empty()) return;
+  bool same = true;
+  for (const CRenderShape& s : m_shapes) same = same && s.getClr() == m_shapes.front().getClr();
+  if (same) {
+    m_color = m_shapes.front().getClr();
+    return;
+  }
+  updateSnapExaSphere();
+}
+
+void CRenderObject::calBox() {
+  // Instanced shapes are seen only through their matrices; measuring them
+  // there keeps culling right for objects drawn by instancing.
+  bool first = true;
+  AcGePoint3d lo, hi;
+  std::vector<AcGeMatrix3d> mats;
+  for (const CSimpleMatrix* m : m_smpMats)
+    if (m) mats.push_back(m->GetAcgeMatrix());
+  for (size_t i = 0; i < m_shapes.size(); ++i) {
+    const CRenderShape& s = m_shapes[i];
+    if (!hasExtent(s) || !finiteBox(s)) continue;
+    AcGePoint3d a, b;
+    s.getBox(a, b);
+    if (i < m_exaGeoShapNum && !mats.empty()) {
+      for (const AcGeMatrix3d& m : mats) widenByBox(lo, hi, a, b, &m, first);
+    } else {
+      widenByBox(lo, hi, a, b, nullptr, first);
+    }
+  }
+  if (first) lo = hi = AcGePoint3d();
+  m_ptMin = lo;
+  m_ptMax = hi;
+  m_ptCenter = lo + (hi - lo) * 0.5;
+  m_radius = static_cast<float>(m_ptCenter.distanceTo(lo));
+}
+
+size_t CRenderObject::numTriangles() const {
+  size_t n = 0;
+  for (const CRenderShape& s : m_shapes) n += s.numTriangles();
+  return n;
+}
+
+bool CRenderObject::getShapeHit(const unsigned& i) const { return !m_shapes.empty() && getShape(i).getHit(); }
+
+bool CRenderObject::getShapeHighLight(const unsigned& i) const {
+  return !m_shapes.empty() && getShape(i).getHighLight();
+}
+
+CColor CRenderObject::getShapeColor(const unsigned& i) const {
+  return m_shapes.empty() ? CColor() : getShape(i).getClr();
+}
+
+CColor CRenderObject::getShapeBorderColor(const unsigned& i) const {
+  return m_shapes.empty() ? CColor() : getShape(i).getBorderColor();
+}
+
+void CRenderObject::setShapeColor(unsigned i, const CColor& c) {
+  if (!m_shapes.empty()) getShape(i).setClr(c);
+}
+
+void CRenderObject::hit(bool b) {
+  for (CRenderShape& s : m_shapes) s.setHit(b);
+}
+
+void CRenderObject::highLight(bool b) {
+  for (CRenderShape& s : m_shapes) s.setHighLight(b);
+}
+
+namespace {
+bool tagged(const CRenderShape& s, const std::map<CString, CString>& tags) {
+  for (const auto& kv : tags)
+    if (s.is(kv.first, kv.second)) return true;
+  return false;
+}
+}  // namespace
+
+void CRenderObject::hit(const std::map<CString, CString>& tags) {
+  for (CRenderShape& s : m_shapes)
+    if (tagged(s, tags)) s.setHit(true);
+}
+
+void CRenderObject::highLight(const std::map<CString, CString>& tags) {
+  for (CRenderShape& s : m_shapes)
+    if (tagged(s, tags)) s.setHighLight(true);
+}
+
+void CRenderObject::setLodLevel(unsigned n) {
+  m_lodShps.resize(n);
+  m_lodExaShapeNum.resize(n, 0);
+  m_lodUnitsPerPixel.resize(n, 0.0f);
+}
+
+double CRenderObject::distanceToCamera() const {
+  const CSceneMgr* scene = m_objSet ? m_objSet->getScene() : nullptr;
+  if (!scene) return 0.0;
+  const AcGeVector3d eye = scene->camera()->GetVLocation();
+  AcGeVector3d dir = scene->camera()->GetVForward();
+  const double len = dir.length();
+  if (!(len > 0.0)) return 0.0;
+  dir /= len;
+  // Signed distance along the line of sight: negative behind the eye.
+  return (m_ptCenter.asVector() - eye).dotProduct(dir);
+}
