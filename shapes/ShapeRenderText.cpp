@@ -1,5 +1,7 @@
 // Text shapes: the compiled glyph list placed by the text's own matrix, or
 // a single point when the text would be too small to read.
+#include <cmath>
+
 #include "kxrender/CRenderShape.h"
 #include "kxrender/CRenderSystem.h"
 #include "shapes/ShapeRenderState.h"
@@ -14,7 +16,10 @@ constexpr float kTextPointSize = 3.0f;
 
 bool tooSmallToRead(const TextInfo& t, const CSceneMgr* scene) {
   if (!scene) return false;
-  const double pixels = t.height * scene->getPixelsPerUnit();
+  // A scene without a viewport yet has no pixel size to compare with.
+  const double perUnit = scene->getPixelsPerUnit();
+  if (!(perUnit > 0.0) || !std::isfinite(perUnit)) return false;
+  const double pixels = std::fabs(t.height) * perUnit;
   return pixels < kMinTextPixels;  // false for NaN: the text is drawn
 }
 }  // namespace
