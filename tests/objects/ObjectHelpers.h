@@ -1,0 +1,38 @@
+#pragma once
+// Small builders for object-store tests: real shapes, real objects.
+#include <vector>
+
+#include "kxrender/CObjectSetMgr.h"
+#include "kxrender/CRenderObject.h"
+#include "kxrender/CRenderShape.h"
+
+// A horizontal rectangle x0..x1 by y0..y1 at height z, facing +z.
+inline CRenderShape rectShape(double x0, double y0, double x1, double y1, double z,
+                              const CColor& c = CColor(200, 100, 50, 255)) {
+  CRenderShape s;
+  s.set({{x0, y0, z}, {x1, y0, z}, {x1, y1, z}, {x0, y1, z}}, {}, CRenderShape::kPgon, c, AcGeVector3d(0, 0, 1));
+  return s;
+}
+
+// A rectangle standing in the plane x = x, facing +x (or -x when flipped).
+inline CRenderShape wallShape(double x, double y0, double y1, double z0, double z1, bool facingPlusX,
+                              const CColor& c = CColor(200, 100, 50, 255)) {
+  CRenderShape s;
+  s.set({{x, y0, z0}, {x, y1, z0}, {x, y1, z1}, {x, y0, z1}}, {}, CRenderShape::kPgon, c,
+        AcGeVector3d(facingPlusX ? 1 : -1, 0, 0));
+  return s;
+}
+
+inline CRenderObject* rectObject(double x0, double y0, double x1, double y1, double z = 0.0,
+                                 const CColor& c = CColor(200, 100, 50, 255)) {
+  CRenderObject* o = new CRenderObject;
+  o->addShape(rectShape(x0, y0, x1, y1, z, c));
+  o->endAddShape();
+  return o;
+}
+
+struct CObjectSetMgrTestAccess {
+  static std::map<unsigned, CRenderObject*>& objects(CObjectSetMgr& s) { return s.m_objects; }
+  static unsigned& nextId(CObjectSetMgr& s) { return s.m_nextId; }
+  static uint32_t& attemptLimit(CObjectSetMgr& s) { return s.m_idAttemptLimit; }
+};

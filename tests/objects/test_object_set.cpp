@@ -1,0 +1,274 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+
+#include "ObjectHelpers.h"
+
+using Access = CObjectSetMgrTestAccess;
+
+TEST(ObjectSetIds, IssuedInOrderNeverReusedAndNullIsRefused) {
+  CObjectSetMgr set;
+  EXPECT_EQ(set.addObject(nullptr), 0u);
+  CRenderObject* a = rectObject(0, 0, 1, 1);
+  EXPECT_EQ(set.addObject(a), 1u);
+  EXPECT_EQ(a->getId(), 1u);
+  EXPECT_EQ(a->getObjSet(), &set);
+  EXPECT_EQ(set.addObject(rectObject(0, 0, 1, 1)), 2u);
+  EXPECT_EQ(set.addObject(rectObject(0, 0, 1, 1)), 3u);
+  set.delObject(2);
+  set.delObject(77);  // unknown: nothing happens
+  EXPECT_FALSE(set.is_exist(2));
+  EXPECT_EQ(set.getObj(2), nullptr);
+  EXPECT_EQ(set.addObject(rectObject(0, 0, 1, 1)), 4u);
+  EXPECT_EQ(set.numObjs(), 3u);
+  EXPECT_EQ(set.getObj(1), a);
+}
+
+TEST(ObjectSetIds, WrapTriesTwoFirstAndTheTopIdAndZeroAreGivenOut) {
+  CObjectSetMgr set;
+  CRenderObject holder;
+  // The top id is taken: the counter wraps to 1, then steps to 2.
+  Access::objects(set)[0xFFFFFFFFu] = nullptr;
+  Access::nextId(set) = 0xFFFFFFFFu;
+  EXPECT_EQ(set.addObject(rectObject(0, 0, 1, 1)), 2u);
+  Access::objects(set).erase(0xFFFFFFFFu);
+
+  // A free top id is issued, and after it the counter runs through 0.
+  CObjectSetMgr other;
+  Access::nextId(other) = 0xFFFFFFFFu;
+  EXPECT_EQ(other.addObject(rectObject(0, 0, 1, 1)), 0xFFFFFFFFu);
+  EXPECT_EQ(other.addObject(rectObject(0, 0, 1, 1)), 0u);
+  EXPECT_EQ(other.addObject(rectObject(0, 0, 1, 1)), 1u);
+}
+
+TEST(ObjectSetIds, ExhaustionThrowsAHeapExceptionWithTheMessageAndKeepsTheSet) {
+  CObjectSetMgr set;
+  for (unsigned id = 1; id <= 20; ++id) Access::objects(set)[id] = nullptr;
+  Access::attemptLimit(set) = 10;
+  CRenderObject* obj = rectObject(0, 0, 1, 1);
+  std::exception* caught = nullptr;
+  try {
+    set.addObject(obj);
+  } catch (std::exception* e) {
+    caught = e;
+  }
+  ASSERT_NE(caught, nullptr);
+  EXPECT_STREQ(caught->what(), "渲染对象ID使用超出极限");
+  delete caught;
+  EXPECT_EQ(set.numObjs(), 20u);
+  delete obj;  // never taken by the set
+  // With room left further on, the same search succeeds.
+  Access::attemptLimit(set) = 0xFFFFFFFDu;
+  EXPECT_EQ(set.addObject(rectObject(0, 0, 1, 1)), 21u);
+}
+
+TEST(ObjectSetIds, BatchAddKeepsTheMisalignmentOfNullEntries) {
+  CObjectSetMgr set;
+  std::vector<unsigned> ids{99, 98, 97, 96};
+  set.addObject({rectObject(0, 0, 1, 1), nullptr, rectObject(5, 5, 6, 6)}, ids);
+  // The null shortened the list; the third object's id had no place left.
+  EXPECT_EQ(ids, (std::vector<unsigned>{1, 0}));
+  EXPECT_EQ(set.numObjs(), 2u);
+  EXPECT_TRUE(set.is_exist(2));
+  // The batch recomputes the box.
+  AcGePoint3d lo, hi;
+  set.getBox(lo, hi);
+  EXPECT_EQ(lo, AcGePoint3d(0, 0, 0));
+  EXPECT_EQ(hi, AcGePoint3d(6, 6, 0));
+
+  set.addObject({nullptr, rectObject(0, 0, 1, 1), rectObject(0, 0, 1, 1)}, ids);
+  EXPECT_EQ(ids, (std::vector<unsigned>{0, 3}));
+  set.addObject({}, ids);
+  EXPECT_TRUE(ids.empty());
+}
+
+TEST(ObjectSetBox, SkipsEmptyObjectsAndDerivesTheDepthBand) {
+  CObjectSetMgr set;
+  CRenderObject* empty = new CRenderObject;
+  empty->endAddShape();
+  std::vector<unsigned> ids;
+  set.addObject({empty, rectObject(3, 3, 3, 3)}, ids);  // a degenerate box counts as empty
+  AcGePoint3d lo, hi;
+  set.getBox(lo, hi);
+  EXPECT_EQ(lo, AcGePoint3d(-10, -10, -10));
+  EXPECT_EQ(hi, AcGePoint3d(10, 10, 10));
+  EXPECT_EQ(set.borderLineZNear(), 0.09995);
+
+  // The single add does not refresh the box; freshBox does.
+  set.addObject(rectObject(-5, 0, 200000, 1, 2));
+  set.getBox(lo, hi);
+  EXPECT_EQ(hi, AcGePoint3d(10, 10, 10));
+  set.freshBox();
+  set.getBox(lo, hi);
+  EXPECT_EQ(lo, AcGePoint3d(-5, 0, 2));
+  EXPECT_EQ(hi, AcGePoint3d(200000, 1, 2));
+  EXPECT_EQ(set.borderLineZNear(), 0.1);
+  EXPECT_EQ(set.borderLineZFar(), 1.0);
+
+  CObjectSetMgr near;
+  near.addObject({rectObject(0, 0, 1000, 1)}, ids);
+  EXPECT_EQ(near.borderLineZNear(), 0.09995);
+}
+
+TEST(ObjectSetBox, GetBox0MeasuresTheCurrentContentsWithoutStoringThem) {
+  CObjectSetMgr set;
+  set.addObject(rectObject(1, 2, 3, 4, 5));
+  AcGePoint3d lo, hi;
+  set.getBox0(lo, hi);
+  EXPECT_EQ(lo, AcGePoint3d(1, 2, 5));
+  EXPECT_EQ(hi, AcGePoint3d(3, 4, 5));
+  set.getBox(lo, hi);
+  EXPECT_EQ(lo, AcGePoint3d(-10, -10, -10));
+}
+
+TEST(ObjectSetAssistPoints, DuplicatesPerTypeAreIgnoredAndClearingKeepsOrder) {
+  CObjectSetMgr set;
+  set.pushAssistPt(AcGePoint3d(1, 0, 0), 1);
+  set.pushAssistPt(AcGePoint3d(1, 0, 1e-12), 1);  // equal within the tolerance
+  set.pushAssistPt(AcGePoint3d(1, 0, 0), 2);
+  set.pushAssistPt(AcGePoint3d(2, 0, 0), 1);
+  set.pushAssistPt(AcGePoint3d(3, 0, 0), 3);
+  std::vector<std::pair<int, AcGePoint3d>> all;
+  set.getAssistPts(all);
+  ASSERT_EQ(all.size(), 4u);
+  set.clearAssistPt(1);
+  std::vector<AcGePoint3d> pts;
+  set.getAssistPts(pts);
+  EXPECT_EQ(pts, (std::vector<AcGePoint3d>{{1, 0, 0}, {3, 0, 0}}));
+  set.clearAssistPt(-1);
+  set.getAssistPts(pts);
+  EXPECT_TRUE(pts.empty());
+}
+
+TEST(ObjectSetCounts, ShapesAndTriangles) {
+  CObjectSetMgr set;
+  CRenderObject* o = new CRenderObject;
+  o->addShape(rectShape(0, 0, 1, 1, 0));
+  o->addShape(rectShape(0, 0, 1, 1, 1));
+  o->endAddShape();
+  set.addObject(o);
+  set.addObject(rectObject(0, 0, 2, 2));
+  EXPECT_EQ(set.numShapes(), 3u);
+  EXPECT_EQ(set.numTriangles(), 6u);
+}
+
+namespace {
+
+struct Box2 {
+  double x0, y0, x1, y1;
+};
+
+bool meets(const CRenderObject* o, const Box2& q) {
+  return o->ptMax().x >= q.x0 && o->ptMin().x <= q.x1 && o->ptMax().y >= q.y0 && o->ptMin().y <= q.y1;
+}
+
+std::vector<unsigned> idsOf(std::vector<CRenderObject*> v) {
+  std::vector<unsigned> ids;
+  for (CRenderObject* o : v) ids.push_back(o->getId());
+  std::sort(ids.begin(), ids.end());
+  return ids;
+}
+
+std::vector<unsigned> bruteForce(const CObjectSetMgr& set, const Box2& q) {
+  std::vector<unsigned> ids;
+  for (const auto& kv : set.objects())
+    if (meets(kv.second, q)) ids.push_back(kv.first);
+  return ids;
+}
+
+}  // namespace
+
+TEST(ObjectSetSearch, RectangleQueriesMatchBruteForceThroughMovesAndDeletes) {
+  std::mt19937 rng(7);
+  std::uniform_real_distribution<double> pos(-1000, 1000), size(0.1, 40);
+  CObjectSetMgr set;
+  for (int i = 0; i < 10000; ++i) {
+    const double x = pos(rng), y = pos(rng);
+    set.addObject(rectObject(x, y, x + size(rng), y + size(rng), pos(rng) * 0.01));
+  }
+  auto check = [&](int rounds) {
+    for (int r = 0; r < rounds; ++r) {
+      const double x = pos(rng), y = pos(rng), w = size(rng) * 5, h = size(rng) * 5;
+      // Corners given in either order.
+      const Box2 q{x, y, x + w, y + h};
+      std::vector<CRenderObject*> found;
+      if (r % 2)
+        set.getInRectObjs(AcGePoint2d(q.x1, q.y1), AcGePoint2d(q.x0, q.y0), found);
+      else
+        set.getInRectObjs(AcGePoint2d(q.x0, q.y0), AcGePoint2d(q.x1, q.y1), found);
+      ASSERT_EQ(idsOf(found), bruteForce(set, q));
+    }
+  };
+  check(200);
+  // Whole-space query returns everything exactly once.
+  std::vector<CRenderObject*> all;
+  set.getInRectObjs(AcGePoint2d(-1e9, -1e9), AcGePoint2d(1e9, 1e9), all);
+  EXPECT_EQ(all.size(), 10000u);
+
+  std::uniform_int_distribution<unsigned> pick(1, 10000);
+  for (int i = 0; i < 1000; ++i) {
+    CRenderObject* o = set.getObj(pick(rng));
+    if (o) o->move(AcGeVector3d(pos(rng) * 0.3, pos(rng) * 0.3, 0));
+  }
+  check(200);
+  for (int i = 0; i < 1000; ++i) set.delObject(pick(rng));
+  for (int i = 0; i < 500; ++i) set.addObject(rectObject(pos(rng), pos(rng), 1000, 1000));
+  check(200);
+  set.createSearchTree();
+  check(50);
+}
+
+TEST(ObjectSetSearch, FrustumQueryKeepsEveryBoxNotWhollyOutsideAPlane) {
+  std::mt19937 rng(11);
+  std::uniform_real_distribution<double> pos(-500, 500), size(0.5, 20);
+  CObjectSetMgr set;
+  for (int i = 0; i < 5000; ++i) {
+    const double x = pos(rng), y = pos(rng);
+    set.addObject(rectObject(x, y, x + size(rng), y + size(rng), pos(rng) * 0.1));
+  }
+  // A tilted view volume: four side planes and a near plane, normals in.
+  const std::vector<std::vector<double>> planes = {
+      {-0.8, 0.0, -0.6, 100.0}, {0.8, 0.0, 0.6, 50.0}, {0.0, 1.0, 0.0, 120.0}, {0.0, -1.0, 0.0, 30.0},
+      {0.6, 0.0, -0.8, 300.0}};
+  std::vector<CRenderObject*> found;
+  set.getObjsInFrustum(found, &planes);
+  std::vector<unsigned> expected;
+  for (const auto& kv : set.objects()) {
+    const CRenderObject* o = kv.second;
+    bool outside = false;
+    for (const auto& p : planes) {
+      double best = p[3];
+      for (int k = 0; k < 3; ++k) {
+        const double lo = k == 0 ? o->ptMin().x : k == 1 ? o->ptMin().y : o->ptMin().z;
+        const double hi = k == 0 ? o->ptMax().x : k == 1 ? o->ptMax().y : o->ptMax().z;
+        best += std::max(p[k] * lo, p[k] * hi);
+      }
+      outside = outside || best < 0;
+    }
+    if (!outside) expected.push_back(kv.first);
+  }
+  EXPECT_GT(expected.size(), 100u);
+  EXPECT_LT(expected.size(), 4000u);
+  EXPECT_EQ(idsOf(found), expected);
+}
+
+TEST(ObjectSetSearch, ObjectsWithoutAFiniteBoxAreNeverFoundButCanBeDeleted) {
+  CObjectSetMgr set;
+  CRenderObject* bad = new CRenderObject;
+  CRenderShape s;
+  const double nan = std::nan("");
+  s.set({{nan, 0, 0}, {1, nan, 0}, {1, 1, 0}}, {}, CRenderShape::kPgon, CColor(), AcGeVector3d(0, 0, 1));
+  bad->addShape(s);
+  bad->endAddShape();  // the non-finite shape is dropped
+  EXPECT_EQ(bad->numShp(), 0u);
+  const unsigned id = set.addObject(bad);
+  set.addObject(rectObject(0, 0, 1, 1));
+  std::vector<CRenderObject*> found;
+  set.getInRectObjs(AcGePoint2d(-5, -5), AcGePoint2d(5, 5), found);
+  EXPECT_EQ(found.size(), 2u);  // the empty object sits at the origin
+  set.delObject(id);
+  found.clear();
+  set.getInRectObjs(AcGePoint2d(-5, -5), AcGePoint2d(5, 5), found);
+  EXPECT_EQ(found.size(), 1u);
+}
