@@ -1,5 +1,6 @@
 // Area, bounding box and sphere, triangle counts and face planarity.
 #include <algorithm>
+#include <limits>
 #include <cmath>
 
 #include "kxrender/CRenderShape.h"
@@ -12,8 +13,11 @@ bool isFinite(const AcGePoint3d& p) { return std::isfinite(p.x) && std::isfinite
 // Grows [lo, hi] by p; `any` says whether the box holds a point yet.
 // Non-finite points are left out: one bad coordinate must not make the
 // box, and with it culling and picking, meaningless.
-void extend(const AcGePoint3d& p, bool& any, AcGePoint3d& lo, AcGePoint3d& hi) {
-  if (!isFinite(p)) return;
+void extend(const AcGePoint3d& p, bool& any, AcGePoint3d& lo, AcGePoint3d& hi, bool& broken) {
+  if (!isFinite(p)) {
+    broken = true;
+    return;
+  }
   if (!any) {
     lo = hi = p;
     any = true;
@@ -53,15 +57,21 @@ void CRenderShape::calArea() {
 // to cover counts. Without points the box is the origin.
 void CRenderShape::calBox() {
   m_boxMin = m_boxMax = AcGePoint3d::kOrigin;
-  bool any = false;
+  bool any = false, broken = false;
   if (m_type == kFace && m_meshVertices && !m_meshVertices->empty()) {
-    for (const AcGePoint3d& p : *m_meshVertices) extend(p, any, m_boxMin, m_boxMax);
+    for (const AcGePoint3d& p : *m_meshVertices) extend(p, any, m_boxMin, m_boxMax, broken);
   } else if (m_type == kText && m_textInfo) {
     AcGePoint3d corners[4];
     textBoxCorners(*m_textInfo, corners);
-    for (const AcGePoint3d& p : corners) extend(p, any, m_boxMin, m_boxMax);
+    for (const AcGePoint3d& p : corners) extend(p, any, m_boxMin, m_boxMax, broken);
   } else {
-    for (const AcGePoint3d& p : m_pts) extend(p, any, m_boxMin, m_boxMax);
+    for (const AcGePoint3d& p : m_pts) extend(p, any, m_boxMin, m_boxMax, broken);
+  }
+  // A point that is not finite makes the box unusable on purpose: objects
+  // drop such shapes when they are completed.
+  if (broken) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    m_boxMin = m_boxMax = AcGePoint3d(nan, nan, nan);
   }
   CRenderSysUtils::getSphere(m_boxMin, m_boxMax, m_sphereCenter, m_sphereRadius);
 }
