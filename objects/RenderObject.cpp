@@ -18,15 +18,12 @@ bool finiteBox(const CRenderShape& s) {
 // its box at the origin, which must not drag the object's box there.
 bool hasExtent(const CRenderShape& s) {
   switch (s.getShpType()) {
-    case CRenderShape::kPline:
-    case CRenderShape::kPgon:
-      return !s.getPts().empty();
     case CRenderShape::kText:
       return s.getTextInfo() != nullptr;
     case CRenderShape::kFace:
-      return s.getFaceVertexArray() && !s.getFaceVertexArray()->empty();
+      return (s.getFaceVertexArray() && !s.getFaceVertexArray()->empty()) || !s.getPts().empty();
     default:
-      return false;
+      return !s.getPts().empty();
   }
 }
 

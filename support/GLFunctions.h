@@ -40,6 +40,8 @@
   X(void, Translated, (GLdouble x, GLdouble y, GLdouble z), (x, y, z))                                            \
   X(void, Rotated, (GLdouble a, GLdouble x, GLdouble y, GLdouble z), (a, x, y, z))                                \
   X(void, Scaled, (GLdouble x, GLdouble y, GLdouble z), (x, y, z))                                                \
+  X(void, Translatef, (GLfloat x, GLfloat y, GLfloat z), (x, y, z))                                             \
+  X(void, Scalef, (GLfloat x, GLfloat y, GLfloat z), (x, y, z))                                                 \
   X(void, Enable, (GLenum cap), (cap))                                                                            \
   X(void, Disable, (GLenum cap), (cap))                                                                           \
   X(GLboolean, IsEnabled, (GLenum cap), (cap))                                                                    \

@@ -1,0 +1,210 @@
+// Construction, copying, geometry setters, tags and polygon offsets of a
+// render shape.
+#include <cmath>
+
+#include "kxrender/CRenderShape.h"
+#include "kxrender/CRenderSysUtils.h"
+#include "shapes/TextPlacement.h"
+
+namespace {
+// A contour is stored closed: its first point repeated at the end, unless
+// the last point already equals it.
+void closeContour(std::vector<AcGePoint3d>& c) {
+  if (!c.empty() && !c.back().isEqualTo(c.front())) c.push_back(c.front());
+}
+}  // namespace
+
+CRenderShape::CRenderShape() = default;
+
+CRenderShape::CRenderShape(const CRenderShape& other) {
+  copyFields(other);
+  m_textInfo = other.m_textInfo ? new TextInfo(*other.m_textInfo) : nullptr;
+  copyFaceData(other);
+  m_faceDisplayList = 0;  // a list belongs to its first owner's context use
+}
+
+CRenderShape& CRenderShape::operator=(const CRenderShape& other) {
+  if (this == &other) return *this;
+  copyFields(other);
+  delete m_textInfo;
+  m_textInfo = other.m_textInfo ? new TextInfo(*other.m_textInfo) : nullptr;
+  copyFaceData(other);
+  // m_faceDisplayList stays: the owner still has to release this shape's own
+  // list, and forgetting the name here would leak it in the context.
+  return *this;
+}
+
+CRenderShape::~CRenderShape() {
+  delete m_textInfo;
+  freeFaceData();
+}
+
+// Everything but the owned text, the face arrays (with their sharing flag
+// and hit lines) and the display list, which have rules of their own.
+void CRenderShape::copyFields(const CRenderShape& o) {
+  m_live = o.m_live;
+  m_visible = o.m_visible;
+  m_type = o.m_type;
+  m_ucs = o.m_ucs;
+  m_pts = o.m_pts;
+  m_holes = o.m_holes;
+  m_reserved = o.m_reserved;
+  m_clr = o.m_clr;
+  m_texCoords = o.m_texCoords;
+  m_glPts = o.m_glPts;
+  m_strips = o.m_strips;
+  m_boxMin = o.m_boxMin;
+  m_boxMax = o.m_boxMax;
+  m_sphereCenter = o.m_sphereCenter;
+  m_sphereRadius = o.m_sphereRadius;
+  m_hit = o.m_hit;
+  m_highLight = o.m_highLight;
+  m_xdata = o.m_xdata;
+  m_texture = o.m_texture;
+  m_hasTexture = o.m_hasTexture;
+  m_showBorder = o.m_showBorder;
+  m_borderClr = o.m_borderClr;
+  m_borderWidth = o.m_borderWidth;
+  m_borderWidthScaled = o.m_borderWidthScaled;
+  m_borderMaxWidth = o.m_borderMaxWidth;
+  m_area = o.m_area;
+  m_offsetFactor = o.m_offsetFactor;
+  m_offsetUnits = o.m_offsetUnits;
+  m_zOffset = o.m_zOffset;
+  m_dotLine = o.m_dotLine;
+}
+
+void CRenderShape::Init() {
+  m_live = true;
+  m_visible = true;
+  m_hit = false;
+  m_highLight = false;
+  m_boxMin = AcGePoint3d::kOrigin;
+  m_boxMax = AcGePoint3d::kOrigin;
+  m_hasTexture = false;
+  m_showBorder = false;
+  m_borderClr.set(255, 255, 255, 255);
+  m_borderWidth = 1.2f;
+  m_borderWidthScaled = false;
+  m_borderMaxWidth = 8.0f;
+  m_area = 0.0f;
+  m_offsetFactor = 0.0f;
+  m_offsetUnits = 1.0f;
+}
+
+void CRenderShape::set(const std::vector<AcGePoint3d>& pts, const std::vector<std::vector<AcGePoint3d>>& holes,
+                       ShapeType type, const CColor& clr, const AcGeVector3d& ucs, double offsetFactorScale,
+                       double offsetUnitsScale, double zOffset) {
+  // The caller may pass this shape's own lists back in.
+  std::vector<std::vector<AcGePoint3d>> own;
+  const std::vector<std::vector<AcGePoint3d>>* source = &holes;
+  if (&holes == &m_holes) {
+    own.swap(m_holes);
+    source = &own;
+  }
+  const size_t givenCount = pts.size();
+
+  m_pts = pts;
+  m_holes.clear();
+  for (const auto& h : *source)
+    if (!h.empty()) m_holes.push_back(h);
+  m_type = type;
+  m_clr.set(clr.r, clr.g, clr.b, clr.a);
+  m_ucs = ucs.normal();
+
+  if (type == kPgon) {
+    // Outer contour counter-clockwise and holes clockwise about the normal,
+    // as drawing and hit testing expect.
+    if (m_pts.size() > 2) CRenderSysUtils::cvtClock(m_pts, m_ucs, false);
+    for (auto& h : m_holes)
+      if (h.size() > 2) CRenderSysUtils::cvtClock(h, m_ucs, true);
+    if (givenCount >= 3) {
+      closeContour(m_pts);
+      for (auto& h : m_holes) closeContour(h);
+    }
+  }
+
+  divTringle();
+  calArea();
+  calBox();
+
+  const float f = offsetBase(m_area);
+  m_offsetUnits = static_cast<float>(f * offsetUnitsScale);
+  m_offsetFactor = static_cast<float>(f * offsetFactorScale);
+  m_zOffset = static_cast<float>(zOffset);
+}
+
+void CRenderShape::set(TextInfo* info, const CColor& clr, const AcGeVector3d& ucs, double, double, double) {
+  if (!info) return;
+  if (info != m_textInfo) {
+    delete m_textInfo;
+    m_textInfo = info;
+  }
+  m_pts.clear();
+  m_holes.clear();
+  m_glPts.clear();
+  m_strips.clear();
+  m_texCoords.clear();
+  m_type = kText;
+  m_clr.set(clr.r, clr.g, clr.b, clr.a);
+  m_ucs = ucs.normal();
+  calArea();
+  placeText(*info);
+  // The glyph contours (and with them `filled`) are fetched here from the
+  // text render list once the text subsystem provides them.
+  calBox();
+}
+
+void CRenderShape::setFaceType(bool noDepth) {
+  m_type = kFace;
+  if (noDepth) setXdata("nodepth", "0.1");
+}
+
+bool CRenderShape::setXdata(const CString& key, const CString& value) {
+  m_xdata[key] = value;
+  return true;
+}
+
+bool CRenderShape::getXdata(const CString& key, CString& value) const {
+  auto it = m_xdata.find(key);
+  if (it == m_xdata.end()) return false;
+  value = it->second;
+  return true;
+}
+
+bool CRenderShape::is(const CString& key, const CString& value) const {
+  auto it = m_xdata.find(key);
+  return it != m_xdata.end() && it->second.CompareNoCase(value) == 0;
+}
+
+bool CRenderShape::clearXdata(CString key) { return m_xdata.erase(key) > 0; }
+
+// Polygon offset grows with the face: linearly up to an area of 10000, then
+// only by the sixteenth root, taken as four float square roots in a row.
+float CRenderShape::offsetBase(float area) {
+  float f = area / 10000.0f;
+  if (f > 1.0f)
+    for (int i = 0; i < 4; ++i) f = std::sqrt(f);
+  return f;
+}
+
+void CRenderShape::setOffsetScale(double s) { m_offsetFactor = static_cast<float>(offsetBase(m_area) * s); }
+
+// For a polygon the drawn vertices move along (1, 1, 1), not along z: every
+// coordinate of the triangulated vertices is lifted. Hosts rely on exactly
+// this displacement, so it stays; contours and box are not touched.
+void CRenderShape::setZOffset(float z) {
+  switch (m_type) {
+    case kFace:
+      m_zOffset = z;
+      break;
+    case kPline:
+      for (AcGePoint3d& p : m_pts) p.z += z;
+      break;
+    case kPgon:
+      for (double& d : m_glPts) d += z;
+      break;
+    default:
+      break;
+  }
+}

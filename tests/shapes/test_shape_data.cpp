@@ -1,0 +1,143 @@
+// Fields, setters, copy rules, tags and polygon offsets of a render shape.
+#include <gtest/gtest.h>
+
+#include "shapes/ShapeTestUtil.h"
+
+using namespace shapetest;
+
+namespace {
+double signedXY(const Contour& c) {  // about +z
+  double a = 0;
+  for (size_t i = 0, j = c.size() - 1; i < c.size(); j = i++) a += c[j].x * c[i].y - c[i].x * c[j].y;
+  return a / 2;
+}
+}  // namespace
+
+TEST(RenderShapeData, DefaultsAndInitKeepsGeometry) {
+  CRenderShape s;
+  EXPECT_TRUE(s.getShpType() == 10000 && s.isLive() && s.getVisible() && s.getUcs().isEqualTo(kUp));
+  EXPECT_TRUE(s.getBorderWidth() == 1.2f && s.getOffsetUnits() == 1.0f && s.getBorderMaxWidth() == 8.0f);
+  CRenderShape p = polygon(rect(0, 0, 2, 2));
+  p.setXdata("k", "v");
+  p.setHit(true);
+  p.setBorderMaxWidth(3.0);  // also switches scaling on
+  EXPECT_TRUE(p.isBorderWidthScaled());
+  p.setTexture(7);
+  p.clearTexture();
+  EXPECT_EQ(p.getTexture(), 7u);
+  p.Init();
+  EXPECT_FALSE(p.getHit() || p.isBorderWidthScaled() || p.getArea() != 0.0 || p.getBorderMaxWidth() != 8.0f);
+  AcGePoint3d lo(9, 9, 9), hi(9, 9, 9);
+  p.getBox(lo, hi);
+  EXPECT_TRUE(lo.isEqualTo(AcGePoint3d::kOrigin) && hi.isEqualTo(AcGePoint3d::kOrigin));
+  EXPECT_TRUE(p.getShpType() == CRenderShape::kPgon && p.getPts().size() == 5 && p.is("k", "v"));
+}
+
+TEST(RenderShapeData, SetOrientsAndClosesContours) {
+  const Contour cw = {{0, 0, 0}, {0, 4, 0}, {4, 4, 0}, {4, 0, 0}};
+  CRenderShape s;
+  s.set(cw, {rect(1, 1, 2, 2), {}}, CRenderShape::kPgon, CColor(200, 10, 20, 128), AcGeVector3d(0, 0, 7));
+  EXPECT_TRUE(s.getUcs().isEqualTo(kUp) && s.getClr() == CColor(200, 10, 20, 128));
+  ASSERT_TRUE(s.getPts().size() == 5 && s.getHoles().size() == 1 && s.getHoles()[0].size() == 5);  // empty hole dropped
+  EXPECT_TRUE(s.getPts().back().isEqualTo(s.getPts().front()));
+  EXPECT_TRUE(signedXY(s.getPts()) > 0 && signedXY(s.getHoles()[0]) < 0);
+  s.set(cw, {}, CRenderShape::kPgon, CColor(), -kUp);  // seen from below
+  EXPECT_LT(signedXY(s.getPts()), 0);
+  Contour closed = rect(0, 0, 1, 1);  // closed within the global tolerance
+  closed.emplace_back(0, AcGeContext::gTol.equalPoint() / 2, 0);
+  EXPECT_EQ(polygon(closed).getPts().size(), 5u);
+  CRenderShape two = polygon({{0, 0, 0}, {1, 0, 0}}, {{{0, 0, 0}, {1, 1, 0}, {0, 1, 0}}});  // under 3: nothing closed
+  EXPECT_TRUE(two.getPts().size() == 2 && two.getHoles()[0].size() == 3);
+  CRenderShape pl;
+  pl.set(cw, {}, CRenderShape::kPline, CColor(), kUp);
+  EXPECT_TRUE(pl.getPts() == cw && pl.getStrips().empty() && pl.getArea() == 0.0);
+  CRenderShape again = polygon(rect(0, 0, 4, 4), {rect(1, 1, 2, 2)});  // own lists passed back in
+  again.set(again.getPts(), again.getHoles(), CRenderShape::kPgon, CColor(), kUp);
+  EXPECT_FLOAT_EQ(again.getArea(), 15.0f);
+}
+
+TEST(RenderShapeData, AreaAndOffsets) {
+  EXPECT_EQ(polygon(rect(0, 0, 2, 2), {rect(-1, -1, 3, 3)}).getArea(), 0.0);  // never negative
+  CRenderShape small, big;
+  small.set(rect(0, 0, 100, 50), {}, CRenderShape::kPgon, CColor(), kUp, 3.0, 2.0, 0.25);
+  EXPECT_TRUE(small.getOffsetUnits() == 1.0f && small.getOffsetFactor() == 1.5f && small.getZOffset() == 0.25f);
+  big.set(rect(0, 0, 400, 400), {}, CRenderShape::kPgon, CColor(), kUp, 3.0, 2.0, 0.0);
+  const float root = std::sqrt(std::sqrt(std::sqrt(std::sqrt(16.0f))));  // four float roots of 16
+  EXPECT_NEAR(root, 1.189f, 5e-4f);
+  EXPECT_TRUE(big.getOffsetUnits() == root * 2 && big.getOffsetFactor() == root * 3);
+  big.setOffsetScale(10.0);
+  big.setOffsetUnitScale(2.0);
+  big.setOffsetUnitScale(2.0);
+  EXPECT_TRUE(big.getOffsetFactor() == root * 10 && big.getOffsetUnits() == root * 8);
+  EXPECT_EQ(polygon(rect(0, 0, 100, 100)).getOffsetUnits(), 1.0f);  // 1 is not above 1
+}
+
+TEST(RenderShapeData, ZOffsetByType) {
+  CRenderShape pg = polygon(rect(1, 2, 3, 4, 5));  // all three coordinates of drawn vertices move
+  const std::vector<double> before = pg.getGlPts();
+  pg.setZOffset(0.5f);
+  for (size_t i = 0; i < before.size(); ++i) EXPECT_EQ(pg.getGlPts()[i], before[i] + 0.5);
+  AcGePoint3d lo, hi;
+  pg.getBox(lo, hi);
+  EXPECT_TRUE(pg.getPts()[0].z == 5.0 && hi.z == 5.0 && pg.getZOffset() == 0.0f);
+  CRenderShape pl, face, unset;
+  pl.set({{1, 2, 3}, {4, 5, 6}}, {}, CRenderShape::kPline, CColor(), kUp);
+  pl.setZOffset(1.0f);
+  EXPECT_TRUE(pl.getPts()[0].isEqualTo(AcGePoint3d(1, 2, 4)) && pl.getPts()[1].isEqualTo(AcGePoint3d(4, 5, 7)));
+  face.setFaceType();
+  face.setZOffset(2.0f);
+  unset.setZOffset(3.0f);
+  EXPECT_TRUE(face.getZOffset() == 2.0f && unset.getZOffset() == 0.0f);
+}
+
+TEST(RenderShapeData, TagKeysExactValuesIgnoreCase) {
+  CRenderShape s;
+  CString v;
+  EXPECT_TRUE(s.setXdata("k", "abc") && s.is("k", "ABC"));
+  EXPECT_FALSE(s.is("k", "abd") || s.is("K", "abc") || s.getXdata("K", v) || s.clearXdata("K"));
+  EXPECT_TRUE(s.setXdata("k", "new") && s.getXdata("k", v) && v == "new" && s.clearXdata("k"));
+  EXPECT_FALSE(s.clearXdata("k") || s.is("k", "new"));
+  s.setXdata("坡屋顶", "内面");
+  s.setFaceType(true);
+  EXPECT_TRUE(s.is("坡屋顶", "内面") && s.getShpType() == CRenderShape::kFace && s.getXdata("nodepth", v) && v == "0.1");
+}
+
+TEST(RenderShapeData, CopyStartsWithoutDisplayListAssignmentKeepsOwn) {
+  CRenderShape src = polygon(rect(0, 0, 3, 2), {rect(1, 0.5, 2, 1.5)}), target;
+  src.setXdata("a", "b");
+  src.getReservedContours().push_back(rect(0, 0, 1, 1));
+  CRenderShapeTestAccess::setDisplayList(src, 11);
+  CRenderShapeTestAccess::setDisplayList(target, 22);
+  CRenderShape copy(src);
+  EXPECT_EQ(copy.getFaceDisplayList(), 0u);
+  EXPECT_TRUE(copy.getGlPts() == src.getGlPts() && copy.getStrips() == src.getStrips() && copy.is("a", "B"));
+  EXPECT_TRUE(copy.getReservedContours().size() == 1 && copy.getFaceVertexArray() == nullptr);
+  target = src;
+  EXPECT_TRUE(target.getFaceDisplayList() == 22u && target.getHoles().size() == 1);
+}
+
+TEST(RenderShapeData, TextShapeOwnsAndPlacesItsText) {
+  CRenderShape t = polygon(rect(0, 0, 1, 1));
+  t.set(nullptr, CColor(), kUp);
+  EXPECT_EQ(t.getShpType(), CRenderShape::kPgon);
+  auto* info = new TextInfo;
+  info->text = "AB";
+  info->dir1 = AcGeVector3d(0, 2, 0);  // only its direction counts
+  info->dir2 = AcGeVector3d(-1, 0, 0);
+  info->position = AcGePoint3d(10, 20, 30);
+  info->height = 3;
+  t.set(info, CColor(), AcGeVector3d(0, 0, 5));
+  EXPECT_TRUE(t.getShpType() == CRenderShape::kText && t.getTextInfo() == info && t.getUcs().isEqualTo(kUp));
+  EXPECT_TRUE(t.getPts().empty() && t.getStrips().empty() && t.getArea() == 0.0);
+  // Glyph x along dir1, y along dir2, z along their cross product, times
+  // the height; glMatrix is the same, column-major.
+  EXPECT_TRUE((info->placement * AcGePoint3d(1, 1, 1)).isEqualTo(AcGePoint3d(7, 23, 33)));
+  EXPECT_TRUE(info->glMatrix[12] == 10.0f && info->glMatrix[13] == 20.0f && info->glMatrix[1] == 3.0f);
+  AcGePoint3d lo, hi;  // the box holds two glyph squares
+  t.getBox(lo, hi);
+  EXPECT_TRUE(lo.isEqualTo(AcGePoint3d(7, 20, 30)) && hi.isEqualTo(AcGePoint3d(10, 26, 30)));
+  CRenderShape copy(t);
+  ASSERT_TRUE(copy.getTextInfo() && copy.getTextInfo() != info && copy.getTextInfo()->text == "AB");
+  copy = CRenderShape();
+  EXPECT_EQ(copy.getTextInfo(), nullptr);
+}

@@ -1,0 +1,253 @@
+// Face meshes on a real context: the display list is compiled once and
+// replayed, never made in wire frame, and released safely.
+#include "test_shape_render_fixture.h"
+
+using namespace shapetest;
+
+namespace {
+const std::string kPush = "glPushAttrib(2928)";  // 0x0B70
+
+// Two triangles covering (8, 8)-(56, 56), with its outline as the edge line.
+CRenderShape quadFace(const CColor& clr = CColor(0, 200, 0, 255)) {
+  CRenderShape s;
+  s.setFaceType();
+  std::vector<AcGePoint3d> v = {{8, 8, 0}, {56, 8, 0}, {56, 56, 0}, {8, 56, 0}};
+  std::vector<int> idx = {0, 1, 2, 0, 2, 3};
+  std::vector<AcGeVector3d> n(4, AcGeVector3d(0, 0, 1));
+  s.setFaceVertexArray(&v);
+  s.setFaceTriangleIndexArray(&idx);
+  s.setFaceNormalArray(&n);
+  s.setClr(clr);
+  s.addHitLine({{8, 8, 0}, {56, 8, 0}, {56, 56, 0}, {8, 56, 0}, {8, 8, 0}});
+  return s;
+}
+
+std::vector<std::string> between(const GLRecorder& rec, const std::string& from, const std::string& to) {
+  const int a = rec.find(from), b = rec.find(to);
+  std::vector<std::string> out;
+  if (a < 0 || b < a) return out;
+  for (int i = a; i <= b; ++i) out.push_back(rec.calls()[i].text());
+  return out;
+}
+}  // namespace
+
+TEST(ShapeRenderFaceCalls, MissingArraysDrawNothing) {
+  SceneObject so;
+  GLRecorder rec(false);
+  CRenderShape none;
+  none.setFaceType();
+  none.renderFace(&so.obj, 2);
+  std::vector<AcGePoint3d> v = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
+  std::vector<int> idx = {0, 1, 2};
+  none.setFaceVertexArray(&v);
+  none.setFaceTriangleIndexArray(&idx);
+  none.renderFace(&so.obj, 2);  // still no normals
+  none.renderFace(&so.obj, 0);
+  EXPECT_TRUE(rec.calls().empty());
+  EXPECT_EQ(none.getFaceDisplayList(), 0u);
+}
+
+class ShapeRenderFace : public ShapeFrame {};
+
+TEST_F(ShapeRenderFace, ListIsCompiledOnceThenCalled) {
+  CRenderShape s = quadFace();
+  s.setZOffset(2.5f);
+  beginFrame();
+  GLRecorder rec(true);
+  s.render(2, &obj, &scale, false);
+  const unsigned list = s.getFaceDisplayList();
+  ASSERT_NE(list, 0u);
+  EXPECT_EQ(rec.count("glGenLists"), 1u);
+  std::vector<std::string> expected = {"glNewList(" + num(list) + ", " + num(GL_COMPILE_AND_EXECUTE) + ")",
+                                       "glBegin(" + num(GL_TRIANGLES) + ")"};
+  const double xy[4][2] = {{8, 8}, {56, 8}, {56, 56}, {8, 56}};
+  for (int i : {0, 1, 2, 0, 2, 3}) {
+    expected.push_back("glNormal3f(0, 0, 1)");
+    char buf[64];
+    std::snprintf(buf, sizeof buf, "glVertex3f(%g, %g, 2.5)", xy[i][0], xy[i][1]);
+    expected.push_back(buf);
+  }
+  expected.push_back("glEnd()");
+  expected.push_back("glEndList()");
+  EXPECT_EQ(between(rec, "glNewList", "glEndList"), expected);
+  EXPECT_EQ(findText(rec, "glLineWidth(1.20000005)"), rec.find("glLineWidth"));
+  EXPECT_GE(findText(rec, "glColor4ub(0, 200, 0, 255)"), 0);
+
+  rec.clear();
+  s.render(4, &obj, &scale, false);
+  EXPECT_EQ(rec.count("glGenLists") + rec.count("glNewList") + rec.count("glBegin"), 0u);
+  EXPECT_EQ(countText(rec, "glCallList(" + num(list) + ")"), 1u);
+  EXPECT_EQ(s.getFaceDisplayList(), list);
+  endFrame();
+  EXPECT_TRUE(near(rgb(32, 32), 0, 200, 0));
+  s.releaseDisplayList();
+}
+
+TEST_F(ShapeRenderFace, WireFrameDrawsEdgesAndNeverAList) {
+  CRenderShape s = quadFace();
+  beginFrame();
+  GLRecorder rec(true);
+  s.render(0, &obj, &scale, false);
+  EXPECT_EQ(rec.count("glGenLists") + rec.count("glIsList") + rec.count("glCallList"), 0u);
+  EXPECT_EQ(countText(rec, "glDrawArrays(" + num(GL_LINE_STRIP) + ", 0, 5)"), 1u);
+  EXPECT_EQ(s.getFaceDisplayList(), 0u);
+  endFrame();
+  EXPECT_TRUE(near(rgb(32, 32), 0, 0, 0));  // edges only
+  bool edge = false;
+  for (int x = 6; x <= 10; ++x) edge = edge || near(rgb(x, 32), 0, 200, 0);
+  EXPECT_TRUE(edge);
+
+  // A hit face leaves its edges to the dashed outline pass.
+  s.setHit(true);
+  rec.clear();
+  s.render(0, &obj, &scale, false);
+  EXPECT_EQ(rec.count("glDrawArrays"), 0u);
+  ASSERT_EQ(scene.getObjSetMgr()->outlineShapes().size(), 1u);
+  EXPECT_EQ(scene.getObjSetMgr()->outlineShapes()[0], &s);
+  EXPECT_EQ(s.getFaceDisplayList(), 0u);
+}
+
+TEST_F(ShapeRenderFace, HighlightWrapsTheListCall) {
+  CRenderShape s = quadFace(CColor(100, 100, 100, 255));
+  s.setHighLight(true);
+  beginFrame();
+  GLRecorder rec(true);
+  s.render(2, &obj, &scale, false);
+  rec.clear();
+  s.render(2, &obj, &scale, false);
+  const unsigned list = s.getFaceDisplayList();
+  const std::vector<std::string> all = texts(rec);
+  const std::vector<std::string> expected = {"glNormal3d(0, 0, 1)",
+                                             "glLineWidth(1.20000005)",
+                                             "glColor4ub(100, 100, 100, 255)",
+                                             kPush,
+                                             "glDepthRange(0.09995, 1)",
+                                             "glColor3ub(255, 255, 255)",
+                                             "glEnable(" + num(GL_POLYGON_STIPPLE) + ")",
+                                             "glPolygonStipple(1)",
+                                             "glIsList(" + num(list) + ")",
+                                             "glCallList(" + num(list) + ")",
+                                             "glPopAttrib()",
+                                             "glDisable(" + num(GL_POLYGON_STIPPLE) + ")"};
+  ASSERT_FALSE(all.empty());
+  EXPECT_EQ(rec.calls()[0].name, "glPolygonOffset");
+  EXPECT_EQ(std::vector<std::string>(all.begin() + 1, all.end()), expected);
+  endFrame();
+  s.releaseDisplayList();
+}
+
+TEST_F(ShapeRenderFace, BorderAndSceneAlphaAreCompiledIn) {
+  scene.setTransparent(90);
+  CRenderShape s = quadFace(CColor(1, 2, 3, 255));
+  s.setShowBorder(true);
+  s.setBorderColor(CColor(200, 0, 0, 255));
+  s.setBorderWidth(2.0, true);  // never scaled inside the list
+  s.setZOffset(1.0f);
+  beginFrame();
+  GLRecorder rec(true);
+  const double big = 300.0;
+  s.render(2, &obj, &big, false);
+  const std::vector<std::string> list = between(rec, "glNewList", "glEndList");
+  const std::vector<std::string> tail = {kPush,
+                                         "glDepthRange(0.09995, 1)",
+                                         "glLineWidth(2)",
+                                         "glColor4ub(200, 0, 0, 90)",
+                                         "glBegin(" + num(GL_LINE_STRIP) + ")",
+                                         "glVertex3d(8, 8, 1)",
+                                         "glVertex3d(56, 8, 1)",
+                                         "glVertex3d(56, 56, 1)",
+                                         "glVertex3d(8, 56, 1)",
+                                         "glVertex3d(8, 8, 1)",
+                                         "glEnd()",
+                                         "glColor4ub(1, 2, 3, 90)",
+                                         "glLineWidth(1.20000005)",
+                                         "glPopAttrib()",
+                                         "glEndList()"};
+  ASSERT_GE(list.size(), tail.size());
+  EXPECT_EQ(std::vector<std::string>(list.end() - tail.size(), list.end()), tail);
+  endFrame();
+  EXPECT_TRUE(near(rgb(8, 32), 200, 0, 0, 40) || near(rgb(7, 32), 200, 0, 0, 40));
+  s.releaseDisplayList();
+}
+
+TEST_F(ShapeRenderFace, TextureOnlyWithAMatchingCoordinateArray) {
+  CRenderShape s = quadFace();
+  std::vector<AcGePoint2d> uv = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
+  s.setFaceTexCoordArray(&uv);
+  s.setTexture(9u);
+  beginFrame();
+  GLRecorder rec(true);
+  s.render(2, &obj, &scale, false);
+  std::vector<std::string> list = between(rec, "glNewList", "glEndList");
+  ASSERT_GE(list.size(), 4u);
+  EXPECT_EQ(list[1], "glEnable(" + num(GL_TEXTURE_2D) + ")");
+  EXPECT_EQ(list[2], "glBindTexture(3553, 9)");
+  EXPECT_EQ(list[list.size() - 2], "glDisable(" + num(GL_TEXTURE_2D) + ")");
+  EXPECT_EQ(rec.count("glTexCoord2f"), 6u);
+  EXPECT_EQ(findText(rec, "glTexCoord2f(1, 1)"), findText(rec, "glVertex3f(56, 56, 0)") - 1);
+  s.releaseDisplayList();
+
+  std::vector<AcGePoint2d> few = {{0, 0}, {1, 0}};
+  s.setFaceTexCoordArray(&few);
+  rec.clear();
+  s.render(2, &obj, &scale, false);
+  EXPECT_EQ(rec.count("glTexCoord2f") + rec.count("glBindTexture"), 0u);
+  endFrame();
+  s.releaseDisplayList();
+}
+
+TEST_F(ShapeRenderFace, BadIndicesDropTheirTriangles) {
+  CRenderShape s = quadFace();
+  std::vector<int> idx = {0, 1, 2, 0, 2, 99, 0, -1, 3, 0, 2, 3, 1};
+  s.setFaceTriangleIndexArray(&idx);
+  beginFrame();
+  GLRecorder rec(true);
+  s.render(2, &obj, &scale, false);
+  EXPECT_EQ(rec.count("glVertex3f"), 6u);  // the two good triangles
+  endFrame();
+  EXPECT_TRUE(near(rgb(32, 32), 0, 200, 0));
+  s.releaseDisplayList();
+}
+
+TEST_F(ShapeRenderFace, ReleaseDeletesOnceAndForgetsStaleNames) {
+  CRenderShape s = quadFace();
+  beginFrame();
+  s.render(2, &obj, &scale, false);
+  unsigned list = s.getFaceDisplayList();
+  ASSERT_TRUE(glIsList(list));
+  {
+    GLRecorder rec(true);
+    s.releaseDisplayList();
+    EXPECT_EQ(texts(rec), (std::vector<std::string>{"glIsList(" + num(list) + ")",
+                                                    "glDeleteLists(" + num(list) + ", 1)"}));
+    EXPECT_EQ(s.getFaceDisplayList(), 0u);
+    EXPECT_FALSE(glIsList(list));
+    rec.clear();
+    s.releaseDisplayList();
+    EXPECT_TRUE(rec.calls().empty());
+    EXPECT_EQ(s.getFaceDisplayList(), 0u);
+  }
+
+  // A name whose list is gone already: only forgotten.
+  s.render(2, &obj, &scale, false);
+  list = s.getFaceDisplayList();
+  glDeleteLists(list, 1);
+  {
+    GLRecorder rec(true);
+    s.releaseDisplayList();
+    EXPECT_EQ(rec.count("glDeleteLists"), 0u);
+    EXPECT_EQ(s.getFaceDisplayList(), 0u);
+  }
+
+  // reValueDispList forgets without deleting; the next draw compiles anew.
+  s.render(2, &obj, &scale, false);
+  list = s.getFaceDisplayList();
+  s.reValueDispList();
+  EXPECT_EQ(s.getFaceDisplayList(), 0u);
+  EXPECT_TRUE(glIsList(list));
+  s.render(2, &obj, &scale, false);
+  EXPECT_NE(s.getFaceDisplayList(), list);
+  glDeleteLists(list, 1);
+  s.releaseDisplayList();
+  endFrame();
+}
