@@ -46,7 +46,7 @@ void makeCurrent(CSceneMgr& scene) {
 }
 
 // From here nothing can fail: the old contents go, the new come in.
-void replaceContents(CSceneMgr& scene, std::vector<std::unique_ptr<CRenderObject>>& objects,
+void replaceContents(CSceneMgr& scene, const SceneDoc& doc, std::vector<std::unique_ptr<CRenderObject>>& objects,
                      std::vector<StaticPtr>& statics) {
   CObjectSetMgr& set = *scene.getObjSetMgr();
   if (!set.staticObjects().empty() && scene.getHRC()) {
@@ -58,6 +58,9 @@ void replaceContents(CSceneMgr& scene, std::vector<std::unique_ptr<CRenderObject
     for (unsigned id : ids) set.delStaticObject(id);
   }
   set.clear();
+  // The set's mode goes to the objects it holds; set it while it holds none
+  // so that each object keeps the mode it was saved with.
+  if (doc.hasView) set.setRenderMode(static_cast<CRenderObject::RenderMode>(doc.view.renderMode));
   std::vector<CRenderObject*> raw;
   raw.reserve(objects.size());
   for (auto& o : objects) raw.push_back(o.release());
@@ -69,7 +72,6 @@ void replaceContents(CSceneMgr& scene, std::vector<std::unique_ptr<CRenderObject
 void applyView(CSceneMgr& scene, const ViewDoc& v) {
   scene.camera()->ReSet(v.location, v.up, v.forward);
   scene.setRange(v.range);
-  scene.setRenderMode(static_cast<CRenderObject::RenderMode>(v.renderMode));
   scene.getBkColorRef() = v.background;
   scene.SetModelCam();
 }
@@ -112,7 +114,7 @@ bool KxReadSceneFile(const char* path, CSceneMgr& scene, CString& error, KxScene
       makeCurrent(scene);
       for (KxStaticRecord& rec : doc.statics) statics.emplace_back(KxBuildStaticObject(rec));
     }
-    replaceContents(scene, objects, statics);
+    replaceContents(scene, doc, objects, statics);
     if (doc.hasView) applyView(scene, doc.view);
     if (extras) {
       extras->staticObjects = std::move(doc.statics);

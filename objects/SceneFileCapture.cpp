@@ -1,9 +1,6 @@
 // Documents from engine objects, for writing: what a shape holds is turned
 // back into what `set` and the setters were given, so that reading the
 // document rebuilds the same shape.
-#include <cmath>
-#include <limits>
-
 #include "kxrender/CRenderObject.h"
 #include "kxrender/CSceneMgr.h"
 #include "objects/SceneDoc.h"
@@ -21,18 +18,11 @@ float offsetBase(double area) {
   return probe.getOffsetFactor();
 }
 
-// A scale s for which float(base * s) is target, as the shape computes it,
-// so reading s back gives target again.
-double scaleFor(float target, float base) {
-  double s = double(target) / double(base);
-  for (int i = 0; i < 8; ++i) {
-    const float got = static_cast<float>(double(base) * s);
-    if (got == target) break;
-    s = std::nextafter(s, got < target ? std::numeric_limits<double>::infinity()
-                                       : -std::numeric_limits<double>::infinity());
-  }
-  return s;
-}
+// The scale that reading turns back into target: the shape computes
+// float(base * s), and with s the quotient in double precision the product
+// lies within a few units of 2^-52 of target, far inside target's float
+// rounding interval.
+double scaleFor(float target, float base) { return double(target) / double(base); }
 
 void captureOffsets(const CRenderShape& s, ShapeDoc& d) {
   const float factor = s.getOffsetFactor();

@@ -60,6 +60,8 @@ inline std::vector<AcGePoint3d> clockwiseRect(double x, double y, double w, doub
 // view that is not the default one.
 inline void fillScene(CSceneMgr& scene) {
   CObjectSetMgr& set = *scene.getObjSetMgr();
+  // The set's mode first: objects added later keep their own.
+  scene.setRenderMode(CRenderObject::RenderMode(4));
   KxBuildTower(set, 1, 2);
 
   CRenderObject* a = new CRenderObject;
@@ -145,6 +147,5 @@ inline void fillScene(CSceneMgr& scene) {
 
   scene.camera()->ReSet(AcGeVector3d(1, 2, 3), AcGeVector3d(0, 0, 1), AcGeVector3d(1, 1, -0.5));
   scene.setRange(77.5);
-  scene.setRenderMode(CRenderObject::RenderMode(4));
   scene.getBkColorRef() = CColor(10, 20, 30, 40);
 }

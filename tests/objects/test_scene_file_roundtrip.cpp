@@ -145,6 +145,9 @@ TEST_F(SceneFileRoundTrip, TheViewIsRestoredAndTheHostToldOnce) {
   EXPECT_EQ(copy.camera()->GetVUp().z, 1.0);
   EXPECT_EQ(copy.dRange(), 77.5);
   EXPECT_EQ(int(copy.getRenderMode()), 4);
+  // The set's mode does not override the modes the objects were saved with.
+  EXPECT_EQ(int(inOrder(copy).front()->getRenderMode()), 2);
+  EXPECT_EQ(int(inOrder(copy).back()->getRenderMode()), 0);
   CColor bk;
   copy.getBkColor(bk);
   EXPECT_EQ(bk, CColor(10, 20, 30, 40));
