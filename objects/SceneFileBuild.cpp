@@ -37,17 +37,23 @@ void buildShape(const ShapeDoc& d, CRenderShape& s) {
       s.set(info, d.color, d.normal);
       break;
     }
-    default:
+    default: {
       s.setFaceType(false);
       s.setClr(d.color);
       s.setUcs(d.normal);
-      s.setFaceVertexArray(new std::vector<AcGePoint3d>(d.vertices));
-      s.setFaceTriangleIndexArray(new std::vector<int>(d.triangles));
-      if (!d.normals.empty()) s.setFaceNormalArray(new std::vector<AcGeVector3d>(d.normals));
-      if (!d.texCoords.empty()) s.setFaceTexCoordArray(new std::vector<AcGePoint2d>(d.texCoords));
+      // The shape copies the arrays it is given.
+      std::vector<AcGePoint3d> vertices = d.vertices;
+      std::vector<int> triangles = d.triangles;
+      std::vector<AcGeVector3d> normals = d.normals;
+      std::vector<AcGePoint2d> texCoords = d.texCoords;
+      s.setFaceVertexArray(&vertices);
+      s.setFaceTriangleIndexArray(&triangles);
+      if (!normals.empty()) s.setFaceNormalArray(&normals);
+      if (!texCoords.empty()) s.setFaceTexCoordArray(&texCoords);
       s.calBox();
       s.calArea();
       break;
+    }
   }
   if (isSavedUnit(d.normal)) s.setUcs(d.normal);
   if (d.hasOffsets && d.kind != CRenderShape::kPline && d.kind != CRenderShape::kPgon) {

@@ -109,10 +109,14 @@ inline void fillScene(CSceneMgr& scene) {
     s.setFaceType(true);
     s.setClr(CColor(10, 20, 30, 40));
     s.setUcs(AcGeVector3d(0, 0, 1));
-    s.setFaceVertexArray(new std::vector<AcGePoint3d>{{0, 0, 5}, {4, 0, 5}, {4, 3, 5}, {0, 3, 5}, {2, 4, 5}});
-    s.setFaceTriangleIndexArray(new std::vector<int>{0, 1, 2, 0, 2, 3, 3, 2, 4});
-    s.setFaceNormalArray(new std::vector<AcGeVector3d>(5, AcGeVector3d(0, 0, 1)));
-    s.setFaceTexCoordArray(new std::vector<AcGePoint2d>{{0, 0}, {1, 0}, {1, 0.75}, {0, 0.75}, {0.5, 1}});
+    std::vector<AcGePoint3d> vertices = {{0, 0, 5}, {4, 0, 5}, {4, 3, 5}, {0, 3, 5}, {2, 4, 5}};
+    std::vector<int> triangles = {0, 1, 2, 0, 2, 3, 3, 2, 4};
+    std::vector<AcGeVector3d> normals(5, AcGeVector3d(0, 0, 1));
+    std::vector<AcGePoint2d> uv = {{0, 0}, {1, 0}, {1, 0.75}, {0, 0.75}, {0.5, 1}};
+    s.setFaceVertexArray(&vertices);
+    s.setFaceTriangleIndexArray(&triangles);
+    s.setFaceNormalArray(&normals);
+    s.setFaceTexCoordArray(&uv);
     s.calBox();
     s.calArea();
     s.setOffsetScale(3.0);
