@@ -100,9 +100,14 @@ void facade(Builder& b, const AcGePoint3d& start, const AcGeVector3d& along, con
   glass.setFaceType(false);
   glass.setClr(kGlassColor);
   glass.setUcs(out);
-  glass.setFaceVertexArray(new std::vector<AcGePoint3d>(window));
-  glass.setFaceTriangleIndexArray(new std::vector<int>{0, 1, 2, 0, 2, 3});
-  glass.setFaceNormalArray(new std::vector<AcGeVector3d>(4, out));
+  // The setters copy into arrays the shape owns.
+  std::vector<int> triangles{0, 1, 2, 0, 2, 3};
+  std::vector<AcGeVector3d> normals(4, out);
+  Pts corners(window);
+  glass.setFaceVertexArray(&corners);
+  glass.setFaceTriangleIndexArray(&triangles);
+  glass.setFaceNormalArray(&normals);
+  glass.addHitLine(window);
   glass.calBox();
   glass.calArea();
   closedLine(*win, window, kFrameColor, out);
