@@ -2,7 +2,6 @@
 
 #include <charconv>
 #include <cmath>
-#include <set>
 
 #include "support/AnsiText.h"
 
@@ -18,11 +17,11 @@ std::string SceneDecoder::context() const {
   for (size_t i = 0; i < m_context.size(); ++i) {
     const Level& l = m_context[i];
     if (l.kind != Kind::Field) {
-      add(l.label);
+      add(l.label());
       continue;
     }
-    std::string path = l.label;
-    while (i + 1 < m_context.size() && m_context[i + 1].kind == Kind::Field) path += "." + m_context[++i].label;
+    std::string path = l.label();
+    while (i + 1 < m_context.size() && m_context[i + 1].kind == Kind::Field) path += "." + m_context[++i].label();
     // "object 12" says which field it is in; a field name before it is noise.
     if (i + 1 < m_context.size() && m_context[i + 1].kind == Kind::Element) continue;
     add("field \"" + path + "\"");
@@ -48,13 +47,13 @@ bool SceneDecoder::expected(const std::string& what) {
 
 bool SceneDecoder::members(const std::function<int(const std::string& key)>& member) {
   if (m_r.peek() != JsonReader::Type::Object || !m_r.beginObject()) return expected("an object");
-  std::set<std::string> seen;
+  KeySet seen;
   std::string key;
   while (m_r.nextKey(key)) {
-    if (!seen.insert(key).second) return fail("field \"" + key + "\" given twice");
+    if (!seen.insert(key)) return fail("field \"" + key + "\" given twice");
     int result;
     {
-      Scope field(*this, key, Kind::Field);
+      Scope field(*this, key);
       result = member(key);
       if (result == 0) return m_message.empty() ? fail(m_r.failed() ? m_r.error() : "invalid value") : false;
     }
@@ -162,7 +161,7 @@ bool SceneDecoder::points(std::vector<AcGePoint3d>& out, size_t minCount) {
   out.clear();
   if (m_r.peek() != JsonReader::Type::Array) return expected("an array of 3-number points");
   const bool ok = elements([&](size_t i) {
-    Scope item(*this, "point " + std::to_string(i), Kind::Item);
+    Scope item(*this, "point", i, Kind::Item);
     AcGePoint3d p;
     if (!point(p)) return false;
     out.push_back(p);
@@ -178,7 +177,7 @@ bool SceneDecoder::vectors(std::vector<AcGeVector3d>& out) {
   out.clear();
   if (m_r.peek() != JsonReader::Type::Array) return expected("an array of 3-number vectors");
   const bool ok = elements([&](size_t i) {
-    Scope item(*this, "vector " + std::to_string(i), Kind::Item);
+    Scope item(*this, "vector", i, Kind::Item);
     AcGeVector3d v;
     if (!vector(v)) return false;
     out.push_back(v);
@@ -191,7 +190,7 @@ bool SceneDecoder::points2(std::vector<AcGePoint2d>& out) {
   out.clear();
   if (m_r.peek() != JsonReader::Type::Array) return expected("an array of [u, v] pairs");
   const bool ok = elements([&](size_t i) {
-    Scope item(*this, "pair " + std::to_string(i), Kind::Item);
+    Scope item(*this, "pair", i, Kind::Item);
     AcGePoint2d p;
     if (!point2(p)) return false;
     out.push_back(p);

@@ -15,6 +15,27 @@
 
 namespace kxscene {
 
+// The keys an object has given so far: objects have a few dozen at most, so
+// a list is quicker than a tree.
+class KeySet {
+ public:
+  bool insert(const std::string& key) {
+    if (count(key)) return false;
+    m_keys.push_back(key);
+    return true;
+  }
+  bool count(const std::string& key) const {
+    for (const std::string& k : m_keys)
+      if (k == key) return true;
+    return false;
+  }
+  std::vector<std::string>::const_iterator begin() const { return m_keys.begin(); }
+  std::vector<std::string>::const_iterator end() const { return m_keys.end(); }
+
+ private:
+  std::vector<std::string> m_keys;
+};
+
 class SceneDecoder {
  public:
   SceneDecoder(JsonReader& reader, const std::string& name) : m_r(reader), m_name(name) {}
@@ -24,12 +45,19 @@ class SceneDecoder {
     Item,     // an element of the field above it: field "pts": point 4
     Element,  // an element that names its field itself: object 12, shape 3
   };
-  // One level of context while it lives.
+  // One level of context while it lives. Labels are put together only when
+  // an error is reported: a big file has millions of points.
   class Scope {
    public:
-    Scope(SceneDecoder& d, std::string label, Kind kind) : m_d(d) {
-      d.m_context.push_back({std::move(label), kind});
+    // An item or element: "point 4", "object 12".
+    Scope(SceneDecoder& d, const char* name, size_t index, Kind kind) : m_d(d) {
+      d.m_context.push_back({kind, name, nullptr, index});
     }
+    // A field whose name outlives the scope.
+    Scope(SceneDecoder& d, const std::string& field) : m_d(d) {
+      d.m_context.push_back({Kind::Field, nullptr, &field, 0});
+    }
+    Scope(SceneDecoder& d, const char* field) : m_d(d) { d.m_context.push_back({Kind::Field, field, nullptr, 0}); }
     ~Scope() { m_d.m_context.pop_back(); }
     Scope(const Scope&) = delete;
     Scope& operator=(const Scope&) = delete;
@@ -72,8 +100,14 @@ class SceneDecoder {
 
  private:
   struct Level {
-    std::string label;
     Kind kind;
+    const char* name;
+    const std::string* key;
+    size_t index;
+    std::string label() const {
+      if (kind == Kind::Field) return key ? *key : std::string(name);
+      return std::string(name) + " " + std::to_string(index);
+    }
   };
   bool triple(double out[3], const char* what);
   std::string context() const;

@@ -14,7 +14,7 @@ using Scope = SceneDecoder::Scope;
 bool parseShapes(SceneDecoder& d, std::vector<ShapeDoc>& shapes) {
   if (d.reader().peek() != JsonReader::Type::Array) return d.expected("an array of shapes");
   return d.elements([&](size_t i) {
-    Scope item(d, "shape " + std::to_string(i), SceneDecoder::Kind::Element);
+    Scope item(d, "shape", i, SceneDecoder::Kind::Element);
     shapes.emplace_back();
     return parseShape(d, shapes.back());
   }) || d.expected("an array of shapes");
@@ -67,7 +67,7 @@ bool parseObject(SceneDecoder& d, ObjectDoc& obj) {
     if (key == "lod") {
       if (d.reader().peek() != JsonReader::Type::Array) return d.expected("an array of levels of detail");
       return d.elements([&](size_t i) {
-        Scope item(d, "level " + std::to_string(i), SceneDecoder::Kind::Element);
+        Scope item(d, "level", i, SceneDecoder::Kind::Element);
         obj.lods.emplace_back();
         return parseLod(d, obj.lods.back());
       }) || d.expected("an array of levels of detail");
@@ -79,7 +79,7 @@ bool parseObject(SceneDecoder& d, ObjectDoc& obj) {
 }
 
 bool parseCamera(SceneDecoder& d, ViewDoc& view) {
-  std::set<std::string> given;
+  KeySet given;
   const bool ok = d.members([&](const std::string& key) -> int {
     given.insert(key);
     if (key == "location") return d.vector(view.location);
@@ -96,7 +96,7 @@ bool parseCamera(SceneDecoder& d, ViewDoc& view) {
 }
 
 bool parseView(SceneDecoder& d, ViewDoc& view) {
-  std::set<std::string> given;
+  KeySet given;
   const bool ok = d.members([&](const std::string& key) -> int {
     given.insert(key);
     if (key == "camera") return parseCamera(d, view);
@@ -153,7 +153,7 @@ bool parsePrimitive(SceneDecoder& d, KxStaticPrimitive& p) {
     if (key == "colors") {
       if (d.reader().peek() != JsonReader::Type::Array) return d.expected("an array of colours");
       return d.elements([&](size_t i) {
-        Scope item(d, "colour " + std::to_string(i), SceneDecoder::Kind::Item);
+        Scope item(d, "colour", i, SceneDecoder::Kind::Item);
         p.colors.emplace_back();
         return d.color(p.colors.back(), false);
       }) || d.expected("an array of colours");
@@ -173,7 +173,7 @@ bool parseStatic(SceneDecoder& d, KxStaticRecord& rec) {
       hasPrimitives = true;
       if (d.reader().peek() != JsonReader::Type::Array) return d.expected("an array of primitives");
       return d.elements([&](size_t i) {
-        Scope item(d, "primitive " + std::to_string(i), SceneDecoder::Kind::Element);
+        Scope item(d, "primitive", i, SceneDecoder::Kind::Element);
         rec.primitives.emplace_back();
         return parsePrimitive(d, rec.primitives.back());
       }) || d.expected("an array of primitives");
@@ -194,14 +194,14 @@ bool parseHeader(SceneDecoder& d) {
   if (!r.nextKey(key)) return r.failed() ? d.fail(r.error()) : d.fail(start);
   if (key != "format") return d.fail(start);
   {
-    Scope f(d, "format", SceneDecoder::Kind::Field);
+    Scope f(d, "format");
     std::string format;
     if (r.peek() != JsonReader::Type::String || !r.readString(format)) return d.expected("the text \"kxscene\"");
     if (format != "kxscene") return d.fail("expected \"kxscene\" but found \"" + format + "\"");
   }
   if (!r.nextKey(key)) return r.failed() ? d.fail(r.error()) : d.fail(start);
   if (key != "version") return d.fail(start);
-  Scope f(d, "version", SceneDecoder::Kind::Field);
+  Scope f(d, "version");
   long long version;
   if (!d.integer(1, INT_MAX, version)) return false;
   if (version > kFormatVersion)
@@ -212,32 +212,32 @@ bool parseHeader(SceneDecoder& d) {
 
 bool parseBody(SceneDecoder& d, SceneDoc& doc) {
   JsonReader& r = d.reader();
-  std::set<std::string> seen;
+  KeySet seen;
   std::string key;
   while (r.nextKey(key)) {
-    if (!seen.insert(key).second) return d.fail("field \"" + key + "\" given twice");
+    if (!seen.insert(key)) return d.fail("field \"" + key + "\" given twice");
     if (key == "view") {
-      Scope f(d, "view", SceneDecoder::Kind::Field);
+      Scope f(d, "view");
       doc.hasView = true;
       if (!parseView(d, doc.view)) return false;
     } else if (key == "objects") {
       if (r.peek() != JsonReader::Type::Array) {
-        Scope f(d, "objects", SceneDecoder::Kind::Field);
+        Scope f(d, "objects");
         return d.expected("an array of objects");
       }
       const bool ok = d.elements([&](size_t i) {
-        Scope item(d, "object " + std::to_string(i), SceneDecoder::Kind::Element);
+        Scope item(d, "object", i, SceneDecoder::Kind::Element);
         doc.objects.emplace_back();
         return parseObject(d, doc.objects.back());
       });
       if (!ok) return d.message().empty() ? d.expected("an array of objects") : false;
     } else if (key == "staticObjects") {
       if (r.peek() != JsonReader::Type::Array) {
-        Scope f(d, "staticObjects", SceneDecoder::Kind::Field);
+        Scope f(d, "staticObjects");
         return d.expected("an array of static objects");
       }
       const bool ok = d.elements([&](size_t i) {
-        Scope item(d, "static object " + std::to_string(i), SceneDecoder::Kind::Element);
+        Scope item(d, "static object", i, SceneDecoder::Kind::Element);
         doc.statics.emplace_back();
         return parseStatic(d, doc.statics.back());
       });

@@ -84,7 +84,7 @@ bool parseTags(SceneDecoder& d, std::map<CString, CString>& tags) {
   if (r.peek() != JsonReader::Type::Object || !r.beginObject()) return d.expected("an object of text tags");
   std::string key;
   while (r.nextKey(key)) {
-    SceneDecoder::Scope tag(d, key, SceneDecoder::Kind::Field);
+    SceneDecoder::Scope tag(d, key);
     if (key.empty()) return d.fail("a tag needs a non-empty key");
     if (key == kTextureTag) return d.fail("the tag key is reserved for the texture file name");
     std::string name;
@@ -99,7 +99,7 @@ bool parseTags(SceneDecoder& d, std::map<CString, CString>& tags) {
 bool parseLines(SceneDecoder& d, std::vector<std::vector<AcGePoint3d>>& lines, size_t minPoints, const char* item) {
   if (d.reader().peek() != JsonReader::Type::Array) return d.expected("an array of point arrays");
   return d.elements([&](size_t i) {
-    SceneDecoder::Scope scope(d, std::string(item) + " " + std::to_string(i), SceneDecoder::Kind::Item);
+    SceneDecoder::Scope scope(d, item, i, SceneDecoder::Kind::Item);
     lines.emplace_back();
     return d.points(lines.back(), minPoints);
   }) || d.expected("an array of point arrays");
@@ -117,7 +117,7 @@ bool parseTriangles(SceneDecoder& d, std::vector<int>& out) {
 
 // The checks that need the whole shape: required fields, fields of another
 // kind, counts that must agree.
-bool checkShape(SceneDecoder& d, const ShapeDoc& s, const std::set<std::string>& given) {
+bool checkShape(SceneDecoder& d, const ShapeDoc& s, const KeySet& given) {
   if (!given.count("kind")) return d.fail("missing field \"kind\"");
   for (const std::string& f : given)
     if (!fieldFitsKind(f, s.kind))
@@ -137,7 +137,7 @@ bool checkShape(SceneDecoder& d, const ShapeDoc& s, const std::set<std::string>&
 }  // namespace
 
 bool parseShape(SceneDecoder& d, ShapeDoc& s) {
-  std::set<std::string> given;
+  KeySet given;
   // The kind decides how many points a contour needs, and it may come after
   // them: contours are counted once the shape is complete.
   const bool ok = d.members([&](const std::string& key) -> int {

@@ -369,3 +369,48 @@ TEST(SceneDoc, ErrorPositionIsTheOffendingValue) {
   ASSERT_FALSE(parse(text, doc, error));
   EXPECT_EQ(error, "house.json: object 0: field \"shapes\": expected an array of shapes (line 3, column 14)");
 }
+
+TEST(SceneDoc, DamagedDocumentsAreRefusedOrReadWhole) {
+  // Seeded damage to a valid document: bytes changed, dropped or doubled.
+  // Every outcome is a clean refusal with a located message, or a document
+  // that writes out and reads back the same.
+  const std::string full = kFullScene;
+  uint32_t state = 12345;
+  auto next = [&state] { return state = state * 1664525u + 1013904223u; };
+  const char alphabet[] = "{}[],:\"0123456789.-+eE \\tfnrua";
+  size_t refused = 0, accepted = 0;
+  for (int round = 0; round < 3000; ++round) {
+    std::string text = full;
+    const int edits = 1 + int(next() % 3);
+    for (int e = 0; e < edits; ++e) {
+      const size_t at = next() % text.size();
+      switch (next() % 3) {
+        case 0:
+          text[at] = alphabet[next() % (sizeof alphabet - 1)];
+          break;
+        case 1:
+          text.erase(at, 1 + next() % 4);
+          break;
+        default:
+          text.insert(at, text.substr(at, 1 + next() % 8));
+          break;
+      }
+      if (text.empty()) text = "x";
+    }
+    SceneDoc doc;
+    std::string error;
+    if (!parse(text, doc, error)) {
+      ++refused;
+      ASSERT_EQ(error.rfind("house.json: ", 0), 0u) << error;
+      ASSERT_NE(error.find(" (line "), std::string::npos) << error;
+      continue;
+    }
+    ++accepted;
+    const std::string once = write(doc);
+    SceneDoc again;
+    ASSERT_TRUE(parse(once, again, error)) << error;
+    ASSERT_EQ(write(again), once);
+  }
+  EXPECT_GT(refused, 2000u);
+  EXPECT_GT(accepted, 10u);
+}
