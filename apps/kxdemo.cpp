@@ -4,6 +4,7 @@
 // otherwise), or the scene file when one is named.
 #include <chrono>
 #include <cstdio>
+#include <iterator>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -51,6 +52,32 @@ void printCounts(const std::string& what, const KxModelCounts& c, double ms) {
               what.c_str(), c.objects, c.polygons, c.holes, c.triangles, c.vertices, ms);
 }
 
+// Shows the selection feedback on the built-in model: the roof
+// highlighted, and near the top, on the sides in view, a few wall panels
+// hit (dashed outlines) and two windows highlighted and hit.
+void markSelection(CObjectSetMgr& set) {
+  const auto& objects = set.objects();
+  if (objects.empty()) return;
+  objects.rbegin()->second->highLight(true);
+  int walls = 0, windows = 0;
+  for (auto it = std::next(objects.rbegin()); it != objects.rend() && (walls < 3 || windows < 2); ++it) {
+    CRenderObject* o = it->second;
+    if (!o || o->numShp() == 0) continue;
+    const CRenderShape& first = o->getShape(0);
+    // Only faces turned towards the default view (+x and +y sides).
+    if (first.getUcs().x + first.getUcs().y < 0.5) continue;
+    if (first.getShpType() == CRenderShape::kPgon && !first.getHoles().empty() && first.getUcs().z == 0.0 &&
+        walls < 3) {
+      o->hit(true);
+      ++walls;
+    } else if (first.getShpType() == CRenderShape::kFace && windows < 2) {
+      o->highLight(true);
+      o->hit(true);
+      ++windows;
+    }
+  }
+}
+
 // Fills the scene and points the camera at it: down along (-1, -1, -0.8)
 // with the whole model in view, unless a scene file brings its own view.
 bool loadModel(CSceneMgr& scene, const ModelChoice& m) {
@@ -71,6 +98,7 @@ bool loadModel(CSceneMgr& scene, const ModelChoice& m) {
   } else {
     const KxModelCounts c = KxBuildTower(*scene.getObjSetMgr(), m.storeys, m.bays);
     scene.getObjSetMgr()->freshBox();
+    markSelection(*scene.getObjSetMgr());
     printCounts("tower S=" + std::to_string(m.storeys) + " B=" + std::to_string(m.bays), c, elapsed());
   }
   if (!hasView) {

@@ -100,13 +100,14 @@ void facade(Builder& b, const AcGePoint3d& start, const AcGeVector3d& along, con
   glass.setFaceType(false);
   glass.setClr(kGlassColor);
   glass.setUcs(out);
-  // The shape copies the arrays it is given.
-  std::vector<AcGePoint3d> vertices = window;
-  std::vector<int> triangles = {0, 1, 2, 0, 2, 3};
+  // The setters copy into arrays the shape owns.
+  std::vector<int> triangles{0, 1, 2, 0, 2, 3};
   std::vector<AcGeVector3d> normals(4, out);
-  glass.setFaceVertexArray(&vertices);
+  Pts corners(window);
+  glass.setFaceVertexArray(&corners);
   glass.setFaceTriangleIndexArray(&triangles);
   glass.setFaceNormalArray(&normals);
+  glass.addHitLine(window);
   glass.calBox();
   glass.calArea();
   closedLine(*win, window, kFrameColor, out);

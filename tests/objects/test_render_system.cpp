@@ -1,9 +1,8 @@
 // The render system singleton: its checkerboard stipple and the immediate
 // drawing helpers.
-#include <epoxy/gl.h>
+#include <gtest/gtest.h>
 
 #include "kxrender/CRenderSystem.h"
-#include "scene/SceneFixture.h"
 #include "support/GLRecorder.h"
 
 namespace {
@@ -71,42 +70,4 @@ TEST(RenderSystemDrawing, WidePolylineSetsWidthColourAndOneStrip) {
   EXPECT_EQ(texts(rec), (std::vector<std::string>{"glLineWidth(1)", "glColor4ub(10, 20, 30, 40)", "glBegin(3)",
                                                   "glEnd()"}));
   CRenderSystem::destroySingleton();
-}
-
-class RenderSystemFrame : public SceneFixture {
- protected:
-  void SetUp() override { open(16, 16); }
-};
-
-// The pattern as GL applies it: lit pixels form a checkerboard in window
-// coordinates.
-TEST_F(RenderSystemFrame, StippledQuadLightsEveryOtherPixel) {
-  glViewport(0, 0, 16, 16);
-  glMatrixMode(GL_PROJECTION);
-  glLoadIdentity();
-  glMatrixMode(GL_MODELVIEW);
-  glLoadIdentity();
-  glDisable(GL_LIGHTING);
-  glDisable(GL_DEPTH_TEST);
-  glClearColor(0, 0, 0, 1);
-  glClear(GL_COLOR_BUFFER_BIT);
-  glEnable(GL_POLYGON_STIPPLE);
-  glPolygonStipple(CRenderSystem::getStipple());
-  CRenderSystem::createSingleton();
-  glColor3ub(255, 255, 255);
-  glBegin(GL_TRIANGLE_STRIP);
-  CRenderSystem::getSingleton()->drawTriangleStrip({{-1, -1, 0}, {1, -1, 0}, {-1, 1, 0}, {1, 1, 0}});
-  glEnd();
-  glDisable(GL_POLYGON_STIPPLE);
-  CRenderSystem::destroySingleton();
-  SwapBuffers(scene.getHDC());
-  int lit = 0;
-  for (int y = 0; y < 16; ++y)
-    for (int x = 0; x < 16; ++x) {
-      const bool on = pixel(x, y)[0] == 255;
-      lit += on;
-      // Window row 0 is the bottom one; 16 rows flip the parity once more.
-      EXPECT_EQ(on, (x + y) % 2 == 1) << x << "," << y;
-    }
-  EXPECT_EQ(lit, 128);
 }

@@ -212,25 +212,3 @@ TEST(ShapeRenderPgon, TextureWithoutCoordinatesIsDrawnPlain) {
   EXPECT_EQ(rec.count("glTexCoord2f"), 0u);
   EXPECT_EQ(countText(rec, "glColor4ub(1, 2, 3, 255)"), 1u);
 }
-
-TEST(ShapeRenderPgon, TexturedQuadGivesEachImmediateVertexItsCoordinate) {
-  SceneObject so;
-  CRenderShape s = polygon(rect(0, 0, 10, 10));
-  s.setTextureCoord({{0, 0}, {1, 0}, {1, 1}, {0, 1}, {0, 0}});
-  s.setTexture(5u);
-  ASSERT_EQ(s.getStrips().size(), 1u);
-  GLRecorder rec(false);
-  s.renderShaded_Pgon(&so.obj, nullptr, false);
-  EXPECT_EQ(rec.count("glTexCoord2f"), 4u);
-  const std::vector<float>& uv = s.getTexCoords();
-  const std::vector<double>& v = s.getGlPts();
-  size_t k = 0;
-  for (size_t i = 0; i < rec.calls().size(); ++i) {
-    if (rec.calls()[i].name != "glTexCoord2f") continue;
-    const uint16_t idx = s.getStrips()[0][k++];
-    EXPECT_EQ(rec.calls()[i].args, (std::vector<double>{uv[2 * idx], uv[2 * idx + 1]}));
-    EXPECT_EQ(rec.calls()[i + 1].args, (std::vector<double>{v[3 * idx], v[3 * idx + 1], v[3 * idx + 2]}));
-    // The coordinate matches the corner: u is x / 10 here.
-    EXPECT_FLOAT_EQ(uv[2 * idx], static_cast<float>(v[3 * idx] / 10.0));
-  }
-}

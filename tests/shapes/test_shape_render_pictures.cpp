@@ -93,19 +93,6 @@ TEST_F(ShapeRenderPictures, HitWireFrameIsDashedFourOnFourOff) {
   for (int x = 0; x < 64; ++x) EXPECT_TRUE(near(rgb(x, 32), 255, 255, 0)) << x;
 }
 
-TEST_F(ShapeRenderPictures, OutlineOfABorderedPolygon) {
-  CRenderShape s = ring(CColor(255, 0, 0, 255));
-  s.setShowBorder(true);
-  s.setBorderColor(CColor(0, 255, 0, 255));
-  obj.setRenderedFlags(false, true);
-  beginFrame();
-  s.render(2, &obj, &scale, false);
-  endFrame();
-  EXPECT_TRUE(near(rgb(8, 32), 0, 255, 0));
-  EXPECT_TRUE(near(rgb(24, 32), 0, 255, 0));
-  EXPECT_TRUE(near(rgb(16, 32), 255, 0, 0));
-}
-
 namespace {
 // 2 x 2 texels: red, green on the bottom row; blue, yellow on the top.
 unsigned fourColourTexture() {

@@ -1,0 +1,45 @@
+#pragma once
+// Collects the medians Google Benchmark reports and prints one table with
+// every frame figure also as a ratio to the frame limit.
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <map>
+#include <string>
+#include <vector>
+
+class BenchTable {
+ public:
+  static constexpr const char* kBuild = "model build";
+  static constexpr const char* kFirstFrame = "first frame";
+  static constexpr const char* kSteadyFrame = "steady frame";
+  static constexpr const char* kAccelerateFrame = "steady frame, accelerate on";
+  static constexpr const char* kZoomedFrame = "zoomed-in frame (1/10 of the view)";
+  static constexpr const char* kPointPick = "point pick candidates (200 pixels)";
+  static constexpr const char* kRectPick = "rectangle pick candidates (1/10 screen)";
+  static constexpr const char* kLimitArray = "limit: one vertex array";
+  static constexpr const char* kLimitList = "limit: one display list";
+
+  // Takes each benchmark's median (or its single run) into the table.
+  class Collector : public benchmark::ConsoleReporter {
+   public:
+    Collector(BenchTable& table, std::string size) : m_table(table), m_size(std::move(size)) {}
+    void ReportRuns(const std::vector<Run>& runs) override;
+
+   private:
+    BenchTable& m_table;
+    std::string m_size;
+  };
+
+  void setTime(const std::string& size, const std::string& metric, double ms) { m_ms[size][metric] = ms; }
+  void setCounts(const std::string& size, size_t objects, size_t polygons, size_t holes, size_t triangles,
+                 size_t vertices, size_t limitTriangles);
+  void setPeakMemory(const std::string& size, double mb) { m_memory[size] = mb; }
+  void print(FILE* out) const;
+
+ private:
+  std::vector<std::string> m_sizes;
+  std::map<std::string, std::map<std::string, double>> m_ms;
+  std::map<std::string, std::vector<size_t>> m_counts;
+  std::map<std::string, double> m_memory;
+};

@@ -1,0 +1,215 @@
+// Build, frame and pick timings of the reference building ("tower"), off
+// screen on Mesa, with the frame limit measured in the same context.
+//   kxbench [--sizes=M,XL] [--width=1280 --height=720] [google benchmark flags]
+#include <benchmark/benchmark.h>
+#include <epoxy/gl.h>
+
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "BenchTable.h"
+#include "LimitDraw.h"
+#include "kxrender/CSceneMgr.h"
+#include "kxrender/KxTowerModel.h"
+#include "kxrender/KxWindow.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double msSince(Clock::time_point t0) { return std::chrono::duration<double, std::milli>(Clock::now() - t0).count(); }
+
+double peakMemoryMB() {
+  std::ifstream status("/proc/self/status");
+  std::string line;
+  while (std::getline(status, line))
+    if (line.rfind("VmHWM:", 0) == 0) return std::atof(line.c_str() + 6) / 1024.0;
+  return 0.0;
+}
+
+struct Model {
+  HWND window = nullptr;
+  std::unique_ptr<CSceneMgr> scene;
+  std::unique_ptr<LimitDraw> limit;
+  KxModelCounts counts{};
+  double range = 0.0;
+
+  void frame() {
+    scene->render();
+    scene->finish();
+  }
+  void limitFrame(bool list) {
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+    if (list)
+      limit->drawList();
+    else
+      limit->drawArray();
+    SwapBuffers(scene->getHDC());
+    glFinish();
+  }
+  ~Model() {
+    limit.reset();
+    if (scene && scene->getHRC()) scene->glRelease();
+    scene.reset();
+    if (window) KxDestroyWindow(window);
+  }
+};
+
+std::unique_ptr<Model> g_model;
+int g_width = 1280, g_height = 720;
+
+// Looks along (-1, -1, -0.8) with z up on screen, then fits the model.
+void viewModel(CSceneMgr& scene) {
+  const AcGeVector3d forward = AcGeVector3d(-1, -1, -0.8).normal();
+  const AcGeVector3d side = forward.crossProduct(AcGeVector3d(0, 0, 1)).normal();
+  const AcGeVector3d up = side.crossProduct(forward).normal();
+  scene.camera()->ReSet(AcGeVector3d(0, 0, 0), up, forward);
+  scene.zoomE();
+}
+
+template <class Fn>
+void timed(benchmark::State& state, Fn fn) {
+  for (auto _ : state) {
+    const Clock::time_point t0 = Clock::now();
+    fn();
+    state.SetIterationTime(msSince(t0) / 1000.0);
+  }
+}
+
+void registerSize(const std::string& size, int storeys, int bays) {
+  auto reg = [&](const std::string& metric, int repetitions, auto fn) {
+    benchmark::RegisterBenchmark((metric + "/" + size).c_str(), fn)
+        ->UseManualTime()
+        ->Iterations(1)
+        ->Repetitions(repetitions)
+        ->ReportAggregatesOnly(repetitions > 1)
+        ->Unit(benchmark::kMillisecond);
+  };
+  reg(BenchTable::kBuild, 1, [storeys, bays](benchmark::State& state) {
+    for (auto _ : state) {
+      g_model.reset(new Model);
+      g_model->window = KxCreateOffscreenWindow(g_width, g_height);
+      g_model->scene.reset(new CSceneMgr);
+      if (!g_model->window || !g_model->scene->initializeRender(g_model->window, false, false)) {
+        state.SkipWithError("no off-screen GL context");
+        return;
+      }
+      const Clock::time_point t0 = Clock::now();
+      g_model->counts = KxBuildTower(*g_model->scene->getObjSetMgr(), storeys, bays);
+      state.SetIterationTime(msSince(t0) / 1000.0);
+      viewModel(*g_model->scene);
+      g_model->range = g_model->scene->dRange();
+    }
+  });
+  reg(BenchTable::kFirstFrame, 1, [](benchmark::State& state) { timed(state, [] { g_model->frame(); }); });
+  reg(BenchTable::kSteadyFrame, 30, [](benchmark::State& state) { timed(state, [] { g_model->frame(); }); });
+  reg(BenchTable::kAccelerateFrame, 30, [](benchmark::State& state) {
+    g_model->scene->setAccelerate(true);
+    g_model->frame();  // settle before timing
+    timed(state, [] { g_model->frame(); });
+    g_model->scene->setAccelerate(false);
+  });
+  reg(BenchTable::kZoomedFrame, 30, [](benchmark::State& state) {
+    // A tenth of the view's area: the range is the half extent of a side.
+    g_model->scene->setRange(g_model->range * std::sqrt(0.1));
+    g_model->frame();
+    timed(state, [] { g_model->frame(); });
+    g_model->scene->setRange(g_model->range);
+    g_model->frame();
+  });
+  reg(BenchTable::kPointPick, 200, [](benchmark::State& state) {
+    // The candidates under a pick aperture around one of 200 fixed pixels.
+    static int next = 0;
+    CSceneMgr& scene = *g_model->scene;
+    const int i = next++ % 200, px = 32 + (i % 20) * (g_width - 64) / 19, py = 32 + (i / 20) * (g_height - 64) / 9;
+    const int a = scene.getPickPixelPrecision();
+    std::vector<std::vector<double>> planes;
+    std::vector<CRenderObject*> found;
+    timed(state, [&] {
+      scene.getFrustumPlaneFrom2Pt(CPoint(px - a, py - a), CPoint(px + a, py + a), planes);
+      scene.getObjSetMgr()->getObjsInFrustum(found, &planes);
+    });
+    benchmark::DoNotOptimize(found.data());
+  });
+  reg(BenchTable::kRectPick, 30, [](benchmark::State& state) {
+    CSceneMgr& scene = *g_model->scene;
+    const int w = static_cast<int>(g_width * std::sqrt(0.1)), h = static_cast<int>(g_height * std::sqrt(0.1));
+    const CPoint p1((g_width - w) / 2, (g_height - h) / 2), p2(p1.x + w, p1.y + h);
+    std::vector<std::vector<double>> planes;
+    std::vector<CRenderObject*> found;
+    timed(state, [&] {
+      scene.getFrustumPlaneFrom2Pt(p1, p2, planes);
+      scene.getObjSetMgr()->getObjsInFrustum(found, &planes);
+    });
+    benchmark::DoNotOptimize(found.data());
+  });
+  reg(BenchTable::kLimitArray, 30, [](benchmark::State& state) {
+    if (!g_model->limit) g_model->limit.reset(new LimitDraw(*g_model->scene->getObjSetMgr()));
+    g_model->frame();  // leaves the view's matrices in place
+    timed(state, [] { g_model->limitFrame(false); });
+  });
+  reg(BenchTable::kLimitList, 30, [](benchmark::State& state) {
+    g_model->frame();
+    g_model->limitFrame(true);  // compile outside the timing
+    timed(state, [] { g_model->limitFrame(true); });
+  });
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<std::string> sizes = {"M", "XL"};
+  std::vector<char*> rest;
+  for (int i = 0; i < argc; ++i) {
+    if (!std::strncmp(argv[i], "--sizes=", 8)) {
+      sizes.clear();
+      std::string list = argv[i] + 8;
+      for (size_t at = 0; at <= list.size();) {
+        const size_t comma = std::min(list.find(',', at), list.size());
+        if (comma > at) sizes.push_back(list.substr(at, comma - at));
+        at = comma + 1;
+      }
+    } else if (!std::strncmp(argv[i], "--width=", 8)) {
+      g_width = std::atoi(argv[i] + 8);
+    } else if (!std::strncmp(argv[i], "--height=", 9)) {
+      g_height = std::atoi(argv[i] + 9);
+    } else {
+      rest.push_back(argv[i]);
+    }
+  }
+  int restCount = static_cast<int>(rest.size());
+  benchmark::Initialize(&restCount, rest.data());
+
+  BenchTable table;
+  for (const std::string& size : sizes) {
+    int storeys = 0, bays = 0;
+    if (size == "M") {
+      storeys = kTowerMStoreys, bays = kTowerMBays;
+    } else if (size == "XL") {
+      storeys = kTowerXLStoreys, bays = kTowerXLBays;
+    } else if (std::sscanf(size.c_str(), "%dx%d", &storeys, &bays) != 2) {
+      std::fprintf(stderr, "kxbench: sizes are M, XL or STOREYSxBAYS, not %s\n", size.c_str());
+      return 2;
+    }
+    registerSize(size, storeys, bays);
+    BenchTable::Collector collector(table, size);
+    benchmark::RunSpecifiedBenchmarks(&collector);
+    benchmark::ClearRegisteredBenchmarks();
+    if (g_model) {
+      table.setCounts(size, g_model->counts.objects, g_model->counts.polygons, g_model->counts.holes,
+                      g_model->counts.triangles, g_model->counts.vertices,
+                      g_model->limit ? g_model->limit->triangles() : 0);
+    }
+    g_model.reset();
+    table.setPeakMemory(size, peakMemoryMB());
+  }
+  table.print(stdout);
+  benchmark::Shutdown();
+  return 0;
+}
