@@ -22,6 +22,20 @@ class CSceneMgr;
 
 namespace kxscene {
 
+// The file's name for a shape kind.
+inline const char* kindName(CRenderShape::ShapeType kind) {
+  switch (kind) {
+    case CRenderShape::kPline:
+      return "pline";
+    case CRenderShape::kPgon:
+      return "pgon";
+    case CRenderShape::kText:
+      return "text";
+    default:
+      return "face";
+  }
+}
+
 constexpr int kFormatVersion = 1;
 // The shape tag under which a shape read from a file keeps its texture's
 // file name until the scene's texture manager loads it.

@@ -34,19 +34,6 @@ std::string checkLines(const std::vector<std::vector<AcGePoint3d>>& lines, const
   return "";
 }
 
-const char* kindName(CRenderShape::ShapeType kind) {
-  switch (kind) {
-    case CRenderShape::kPline:
-      return "pline";
-    case CRenderShape::kPgon:
-      return "pgon";
-    case CRenderShape::kText:
-      return "text";
-    default:
-      return "face";
-  }
-}
-
 }  // namespace
 
 std::string checkShapeDoc(const ShapeDoc& s) {

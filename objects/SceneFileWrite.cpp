@@ -9,19 +9,6 @@ namespace kxscene {
 
 namespace {
 
-const char* kindName(CRenderShape::ShapeType kind) {
-  switch (kind) {
-    case CRenderShape::kPline:
-      return "pline";
-    case CRenderShape::kPgon:
-      return "pgon";
-    case CRenderShape::kText:
-      return "text";
-    default:
-      return "face";
-  }
-}
-
 const char* primitiveName(CRenderSystem::ShapeType type) {
   static const char* const names[] = {"points",    "lines",         "lineStrip",  "lineLoop",
                                       "triangles", "triangleStrip", "triangleFan"};

@@ -28,19 +28,6 @@ bool kindFromName(const std::string& name, CRenderShape::ShapeType& kind) {
   return true;
 }
 
-const char* kindName(CRenderShape::ShapeType kind) {
-  switch (kind) {
-    case CRenderShape::kPline:
-      return "pline";
-    case CRenderShape::kPgon:
-      return "pgon";
-    case CRenderShape::kText:
-      return "text";
-    default:
-      return "face";
-  }
-}
-
 // Which shape kinds a geometry field belongs to; fields not listed belong to
 // every kind.
 bool fieldFitsKind(const std::string& field, CRenderShape::ShapeType kind) {
