@@ -3,6 +3,7 @@
 
 #include "kxrender/CObjectSetMgr.h"
 #include "kxrender/CRenderObject.h"
+#include "objects/BoxWiden.h"
 #include "kxrender/CSceneMgr.h"
 
 namespace {
@@ -27,15 +28,7 @@ bool hasExtent(const CRenderShape& s) {
   }
 }
 
-void widen(AcGePoint3d& lo, AcGePoint3d& hi, const AcGePoint3d& p, bool& first) {
-  if (first) {
-    lo = hi = p;
-    first = false;
-    return;
-  }
-  lo.x = std::min(lo.x, p.x), lo.y = std::min(lo.y, p.y), lo.z = std::min(lo.z, p.z);
-  hi.x = std::max(hi.x, p.x), hi.y = std::max(hi.y, p.y), hi.z = std::max(hi.z, p.z);
-}
+using kxobjects::widen;
 
 void widenByBox(AcGePoint3d& lo, AcGePoint3d& hi, const AcGePoint3d& a, const AcGePoint3d& b,
                 const AcGeMatrix3d* m, bool& first) {

@@ -8,18 +8,11 @@
 #include "kxrender/AcGePlane.h"
 #include "kxrender/CObjectSetMgr.h"
 #include "kxrender/CRenderObject.h"
+#include "objects/BoxWiden.h"
 
 namespace {
 
-void widen(AcGePoint3d& lo, AcGePoint3d& hi, const AcGePoint3d& p, bool& first) {
-  if (first) {
-    lo = hi = p;
-    first = false;
-    return;
-  }
-  lo.x = std::min(lo.x, p.x), lo.y = std::min(lo.y, p.y), lo.z = std::min(lo.z, p.z);
-  hi.x = std::max(hi.x, p.x), hi.y = std::max(hi.y, p.y), hi.z = std::max(hi.z, p.z);
-}
+using kxobjects::widen;
 
 void deleteCurves(std::vector<AcGeCurve3d*>& curves) {
   for (AcGeCurve3d* c : curves) delete c;

@@ -23,6 +23,23 @@ inline CRenderShape wallShape(double x, double y0, double y1, double z0, double 
   return s;
 }
 
+// A face mesh of one triangle (0,0)-(8,0)-(0,8) facing +z, with its edge
+// as a hit line; the shape keeps its own copies of the arrays.
+inline CRenderShape faceTriangle(const CColor& c = CColor()) {
+  CRenderShape s;
+  s.setFaceType(false);
+  std::vector<AcGePoint3d> v{{0, 0, 0}, {8, 0, 0}, {0, 8, 0}};
+  std::vector<int> tri{0, 1, 2};
+  std::vector<AcGeVector3d> n(3, AcGeVector3d(0, 0, 1));
+  s.setFaceVertexArray(&v);
+  s.setFaceTriangleIndexArray(&tri);
+  s.setFaceNormalArray(&n);
+  s.setClr(c);
+  s.addHitLine(v);
+  s.calBox();
+  return s;
+}
+
 inline CRenderObject* rectObject(double x0, double y0, double x1, double y1, double z = 0.0,
                                  const CColor& c = CColor(200, 100, 50, 255)) {
   CRenderObject* o = new CRenderObject;

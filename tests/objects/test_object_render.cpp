@@ -111,18 +111,8 @@ TEST_F(ObjectFrame, StaticObjectsAreReplayedUnlessAccelerating) {
 TEST_F(ObjectFrame, HitOutlinesUseTheContrastRuleAndTheLineStipple) {
   auto faceObject = [](const CColor& c) {
     CRenderObject* o = new CRenderObject;
-    CRenderShape s;
-    s.setFaceType(false);
-    std::vector<AcGePoint3d> v{{0, 0, 0}, {8, 0, 0}, {0, 8, 0}};
-    std::vector<int> tri{0, 1, 2};
-    std::vector<AcGeVector3d> n(3, AcGeVector3d(0, 0, 1));
-    s.setFaceVertexArray(&v);
-    s.setFaceTriangleIndexArray(&tri);
-    s.setFaceNormalArray(&n);
-    s.setClr(c);
+    CRenderShape s = faceTriangle(c);
     s.setBorderWidth(2.5, false);
-    s.addHitLine(v);
-    s.calBox();
     o->addShape(s);
     o->endAddShape();
     o->hit(true);
@@ -348,16 +338,7 @@ TEST_F(ObjectFrame, XorTrackingAndAcceleratedCullingOfSmallObjects) {
 
 TEST_F(ObjectFrame, DeletedObjectsHandTheirDisplayListsToTheScene) {
   CRenderObject* o = new CRenderObject;
-  CRenderShape s;
-  s.setFaceType(false);
-  std::vector<AcGePoint3d> v{{0, 0, 0}, {8, 0, 0}, {0, 8, 0}};
-  std::vector<int> tri{0, 1, 2};
-  std::vector<AcGeVector3d> n(3, AcGeVector3d(0, 0, 1));
-  s.setFaceVertexArray(&v);
-  s.setFaceTriangleIndexArray(&tri);
-  s.setFaceNormalArray(&n);
-  s.calBox();
-  o->addShape(s);
+  o->addShape(faceTriangle());
   o->endAddShape();
   const unsigned id = set().addObject(o);
   frame();
