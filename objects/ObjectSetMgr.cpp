@@ -32,12 +32,26 @@ CObjectSetMgr::CObjectSetMgr(const CObjectSetMgr& o) : m_searchTree(new CObjectS
 
 CObjectSetMgr& CObjectSetMgr::operator=(const CObjectSetMgr& o) {
   if (this == &o) return *this;
-  if (m_ownsContents) clear();
-  // The copy refers to the same objects without owning them: an object has
-  // one set, and it is the one that frees it.
-  m_objects = o.m_objects;
-  m_staticObjects = o.m_staticObjects;
-  m_ownsContents = m_objects.empty() && m_staticObjects.empty();
+  clear();
+  // Every object belongs to exactly one set, which frees it: a copy gets its
+  // own copies of the objects, under the same ids, so either set can delete
+  // or change objects without touching the other.
+  for (const auto& kv : o.m_objects) {
+    if (!kv.second) continue;
+    CRenderObject* copy = new CRenderObject(*kv.second);
+    copy->setId(kv.first);
+    copy->setObjSet(this);
+    copy->m_inSet = true;
+    m_objects.emplace_hint(m_objects.end(), kv.first, copy);
+  }
+  for (const CStaticObject* so : o.m_staticObjects) {
+    if (!so) continue;
+    CStaticObject* copy = new CStaticObject(*so);
+    copy->setVisible(so->getVisible());
+    copy->setObjSet(this);
+    copy->m_inSet = true;
+    m_staticObjects.push_back(copy);
+  }
   m_nextId = o.m_nextId;
   m_boxMin = o.m_boxMin;
   m_boxMax = o.m_boxMax;
@@ -50,31 +64,29 @@ CObjectSetMgr& CObjectSetMgr::operator=(const CObjectSetMgr& o) {
   return *this;
 }
 
-CObjectSetMgr::~CObjectSetMgr() {
-  if (m_ownsContents) clear();
-}
+CObjectSetMgr::~CObjectSetMgr() { clear(); }
 
 void CObjectSetMgr::clear() {
   m_searchTree->clear();
-  if (m_ownsContents) {
-    for (auto& kv : m_objects) delete kv.second;
-    for (CStaticObject* s : m_staticObjects) delete s;
-  }
+  for (auto& kv : m_objects) delete kv.second;
+  for (CStaticObject* s : m_staticObjects) delete s;
   m_objects.clear();
   m_staticObjects.clear();
   m_outlineShapes.clear();
   m_frameObjects.clear();
-  m_ownsContents = true;
 }
 
 unsigned CObjectSetMgr::addObject(CRenderObject* obj) {
-  if (!obj) return 0;
-  obj->setObjSet(this);
+  // An object already in a set (this one or another) is refused: two owners
+  // would free it twice.
+  if (!obj || obj->m_inSet) return 0;
   uint32_t attempts = 1;
   for (;;) {
     auto it = m_objects.lower_bound(m_nextId);
     if (it == m_objects.end() || it->first != m_nextId) {
       m_objects.emplace_hint(it, m_nextId, obj);
+      obj->m_inSet = true;
+      obj->setObjSet(this);
       obj->setId(m_nextId);
       m_searchTree->insert(obj);
       return m_nextId++;
@@ -108,7 +120,7 @@ void CObjectSetMgr::delObject(unsigned id) {
   auto it = m_objects.find(id);
   if (it == m_objects.end() || !it->second) return;
   m_searchTree->remove(it->second);
-  if (m_ownsContents) delete it->second;
+  delete it->second;
   m_objects.erase(it);
 }
 
@@ -136,7 +148,8 @@ size_t CObjectSetMgr::numTriangles() const {
 }
 
 unsigned CObjectSetMgr::addStaticObject(CStaticObject* obj) {
-  if (!obj) return 0;
+  if (!obj || obj->m_inSet) return 0;
+  obj->m_inSet = true;
   obj->setObjSet(this);
   m_staticObjects.push_back(obj);
   calBox();
@@ -149,7 +162,7 @@ void CObjectSetMgr::delStaticObject(unsigned id) {
       CStaticObject* obj = *it;
       m_staticObjects.erase(it);
       obj->releaseDisplayList();
-      if (m_ownsContents) delete obj;
+      delete obj;
       calBox();
       return;
     }
@@ -204,7 +217,11 @@ void CObjectSetMgr::calBox() {
 }
 
 void CObjectSetMgr::getBox0(AcGePoint3d& min, AcGePoint3d& max) const {
-  if (!measure(m_objects, m_staticObjects, min, max)) getBox(min, max);
+  if (!measureBox(min, max)) getBox(min, max);
+}
+
+bool CObjectSetMgr::measureBox(AcGePoint3d& min, AcGePoint3d& max) const {
+  return measure(m_objects, m_staticObjects, min, max);
 }
 
 void CObjectSetMgr::pushAssistPt(const AcGePoint3d& pt, int type) {

@@ -95,8 +95,10 @@ void CObjectSetMgr::sortForTransparent(std::vector<CRenderObject*>& objs) {
     double area;
     double distance;
   };
-  std::vector<Key> keys;
-  keys.reserve(objs.size());
+  // Reused between frames: sorting must not allocate per frame. Scenes are
+  // drawn from their GUI thread, so one buffer per thread suffices.
+  static thread_local std::vector<Key> keys;
+  keys.clear();
   for (CRenderObject* o : objs) {
     Key k{o, false, 0.0, 0.0};
     if (o) {
@@ -122,7 +124,7 @@ void CObjectSetMgr::renderObjs(int mode) {
   getObjsInFrustum(m_frameObjects);
   if (!m_scene) return;
   kgl->EnableClientState(GL_VERTEX_ARRAY);
-  const std::vector<unsigned> partIds = m_scene->GetPartTrans() ? m_scene->GetPartTransIds() : std::vector<unsigned>();
+  const std::vector<unsigned>& partIds = m_scene->partTransIds();
   if (m_scene->getTransparent() == 255 || (m_scene->GetPartTrans() && partIds.empty())) {
     kgl->Disable(GL_BLEND);
     renderObjs(m_frameObjects, mode);
@@ -135,13 +137,18 @@ void CObjectSetMgr::renderObjs(int mode) {
     // Listed objects are drawn blended after everything else, whether the
     // frustum holds them or not.
     m_transparentObjects.clear();
-    for (unsigned id : partIds) {
-      CRenderObject* o = getObj(id);
-      if (!o) continue;
-      m_transparentObjects.push_back(o);
-      auto it = std::find(m_frameObjects.begin(), m_frameObjects.end(), o);
-      if (it != m_frameObjects.end()) m_frameObjects.erase(it);
-    }
+    for (unsigned id : partIds)
+      if (CRenderObject* o = getObj(id)) m_transparentObjects.push_back(o);
+    // One pass over the frame list against the sorted listed objects, not
+    // a search of the frame list per id.
+    m_listedObjects.assign(m_transparentObjects.begin(), m_transparentObjects.end());
+    std::sort(m_listedObjects.begin(), m_listedObjects.end());
+    m_frameObjects.erase(std::remove_if(m_frameObjects.begin(), m_frameObjects.end(),
+                                        [this](CRenderObject* o) {
+                                          return std::binary_search(m_listedObjects.begin(),
+                                                                    m_listedObjects.end(), o);
+                                        }),
+                         m_frameObjects.end());
     kgl->Disable(GL_BLEND);
     renderObjs(m_frameObjects, mode);
     kgl->Enable(GL_BLEND);

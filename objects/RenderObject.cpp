@@ -1,4 +1,5 @@
 // Render object: shapes, box and sphere, per-shape state, levels of detail.
+#include <algorithm>
 #include <cmath>
 
 #include "kxrender/CObjectSetMgr.h"
@@ -53,15 +54,22 @@ CRenderObject& CRenderObject::operator=(const CRenderObject& o) {
 }
 
 void CRenderObject::copyFrom(const CRenderObject& o) {
+  // Shapes replaced or dropped by the assignment would take their compiled
+  // lists with them: hand those to the scene first.
+  releaseShapeLists(m_shapes.begin(), m_shapes.end());
+  for (std::vector<CRenderShape>& level : m_lodShps) releaseShapeLists(level.begin(), level.end());
   m_shapes = o.m_shapes;
-  m_id = o.m_id;
+  // An object in a set keeps its place there; a fresh copy takes the source's.
+  if (!m_inSet) {
+    m_id = o.m_id;
+    m_objSet = o.m_objSet;
+  }
   m_externId = o.m_externId;
   m_renderMode = o.m_renderMode;
   m_ptMin = o.m_ptMin;
   m_ptMax = o.m_ptMax;
   m_ptCenter = o.m_ptCenter;
   m_radius = o.m_radius;
-  m_objSet = o.m_objSet;
   m_snapPoints = o.m_snapPoints;
   m_snapPointsExa = o.m_snapPointsExa;
   copySanpCurves(o);
@@ -87,43 +95,69 @@ void CRenderObject::copyFrom(const CRenderObject& o) {
 }
 
 CRenderObject::~CRenderObject() {
-  // The context may not be current here: hand the lists to the scene, which
-  // deletes them at the start of its next frame.
-  CSceneMgr* scene = m_objSet ? m_objSet->getScene() : nullptr;
-  if (scene) {
-    auto hand = [scene](std::vector<CRenderShape>& shapes) {
-      for (CRenderShape& s : shapes) {
-        if (s.getFaceDisplayList()) scene->addRemovedDispList(s.getFaceDisplayList());
-        s.reValueDispList();
-      }
-    };
-    hand(m_shapes);
-    for (std::vector<CRenderShape>& level : m_lodShps) hand(level);
-  }
+  releaseShapeLists(m_shapes.begin(), m_shapes.end());
+  for (std::vector<CRenderShape>& level : m_lodShps) releaseShapeLists(level.begin(), level.end());
   clearSnapCurves();
   clearSmpMat();
 }
 
+void CRenderObject::releaseShapeLists(std::vector<CRenderShape>::iterator first,
+                                      std::vector<CRenderShape>::iterator last) {
+  // The context may not be current here: hand the lists to the scene, which
+  // deletes them at the start of its next frame.
+  CSceneMgr* scene = m_objSet ? m_objSet->getScene() : nullptr;
+  for (; first != last; ++first) {
+    if (scene && first->getFaceDisplayList()) scene->addRemovedDispList(first->getFaceDisplayList());
+    first->reValueDispList();
+  }
+}
+
+void CRenderObject::clearShape() {
+  releaseShapeLists(m_shapes.begin(), m_shapes.end());
+  m_shapes.clear();
+}
+
+void CRenderObject::resize(unsigned n) {
+  if (n < m_shapes.size()) releaseShapeLists(m_shapes.begin() + n, m_shapes.end());
+  m_shapes.resize(n);
+}
+
+// Stands in for an element of an empty list: callers may read or write it,
+// and it is reset before each use so nothing leaks between them.
+static CRenderShape& noShape() {
+  static CRenderShape none;
+  none = CRenderShape();
+  return none;
+}
+
 CRenderShape& CRenderObject::getShape(unsigned i) {
+  if (m_shapes.empty()) return noShape();
   return m_shapes[i < m_shapes.size() ? i : m_shapes.size() - 1];
 }
 
 const CRenderShape& CRenderObject::getShape(unsigned i) const {
+  if (m_shapes.empty()) return noShape();
   return m_shapes[i < m_shapes.size() ? i : m_shapes.size() - 1];
 }
 
 void CRenderObject::endAddShape() {
-  while (!m_shapes.empty() && m_shapes.back().getShpType() >= 101) m_shapes.pop_back();
+  while (!m_shapes.empty() && m_shapes.back().getShpType() >= 101) {
+    releaseShapeLists(m_shapes.end() - 1, m_shapes.end());
+    m_shapes.pop_back();
+  }
   for (size_t i = 0; i < m_shapes.size(); ++i) {
     if (!finiteBox(m_shapes[i]) || m_shapes[i].getShpType() > 100) {
-      m_shapes.erase(m_shapes.begin() + static_cast<std::ptrdiff_t>(i));
+      const auto at = m_shapes.begin() + static_cast<std::ptrdiff_t>(i);
+      releaseShapeLists(at, at + 1);
+      m_shapes.erase(at);
       --i;
     }
   }
-  // Objects stay for the life of the model: trim the spare capacity.
+  // Objects stay for the life of the model: trim the spare capacity. Shapes
+  // move, so compiled lists go with them.
   std::vector<CRenderShape> fitted;
   fitted.reserve(m_shapes.size());
-  for (CRenderShape& s : m_shapes) fitted.push_back(s);
+  for (CRenderShape& s : m_shapes) fitted.push_back(std::move(s));
   m_shapes.swap(fitted);
   calBox();
   if (m_exaGeoShapNum > m_shapes.size()) m_exaGeoShapNum = static_cast<unsigned>(m_shapes.size());
@@ -214,9 +248,33 @@ void CRenderObject::highLight(const std::map<CString, CString>& tags) {
 }
 
 void CRenderObject::setLodLevel(unsigned n) {
+  for (size_t level = n; level < m_lodShps.size(); ++level)
+    releaseShapeLists(m_lodShps[level].begin(), m_lodShps[level].end());
   m_lodShps.resize(n);
   m_lodExaShapeNum.resize(n, 0);
   m_lodUnitsPerPixel.resize(n, 0.0f);
+}
+
+std::vector<CRenderShape>& CRenderObject::getLodShpss(unsigned level) {
+  static std::vector<CRenderShape> none;
+  if (m_lodShps.empty()) {
+    none.clear();
+    return none;
+  }
+  return m_lodShps[level < m_lodShps.size() ? level : m_lodShps.size() - 1];
+}
+
+unsigned& CRenderObject::getLodExaShapeNum(unsigned level) {
+  static unsigned none;
+  none = 0;
+  return m_lodExaShapeNum.empty() ? none : m_lodExaShapeNum[std::min<size_t>(level, m_lodExaShapeNum.size() - 1)];
+}
+
+float& CRenderObject::getLodUnitsPerPixel(unsigned level) {
+  static float none;
+  none = 0.0f;
+  return m_lodUnitsPerPixel.empty() ? none
+                                    : m_lodUnitsPerPixel[std::min<size_t>(level, m_lodUnitsPerPixel.size() - 1)];
 }
 
 double CRenderObject::distanceToCamera() const {

@@ -1,4 +1,5 @@
 // Drawing a render object: culling, level of detail, instancing, grips.
+#include <algorithm>
 #include <cmath>
 
 #include "kxrender/CObjectSetMgr.h"
@@ -56,7 +57,9 @@ void CRenderObject::render(bool cullBackFaces, const double* unitsPerPixel, cons
   bool isLod = false;
   if (unitsPerPixel && !m_lodUnitsPerPixel.empty()) {
     const float current = static_cast<float>(*unitsPerPixel);
-    for (size_t i = m_lodUnitsPerPixel.size(); i-- > 0;) {
+    // Hosts size the three level lists themselves: only levels present in
+    // all of them count.
+    for (size_t i = std::min(m_lodUnitsPerPixel.size(), m_lodShps.size()); i-- > 0;) {
       if (current - m_lodUnitsPerPixel[i] > -1e-5) {
         shapes = &m_lodShps[i];
         instanced = i < m_lodExaShapeNum.size() ? m_lodExaShapeNum[i] : 0;

@@ -80,7 +80,14 @@ void CSceneMgr::copyFrom(const CSceneMgr& o) {
   m_removedDispLists = o.m_removedDispLists;
 }
 
-CSceneMgr::~CSceneMgr() { clearGripPt(); }
+CSceneMgr::~CSceneMgr() {
+  clearGripPt();
+  // Objects hand their display lists to this scene's queue as they go, so
+  // they must go while the queue is still here, whatever the member order.
+  m_objSetMgr.clear();
+  m_removedDispLists.clear();
+  if (m_currentScenePtr == this) m_currentScenePtr = nullptr;
+}
 
 CObjectSetMgr* CSceneMgr::getObjSetMgr() {
   // Hosts call this through scene pointers that may be null. Hide `this`

@@ -51,8 +51,9 @@ void CSceneMgr::zoom(int n) {
 }
 
 void CSceneMgr::zoomE() {
+  // An empty set has no extents to zoom to, not the default box.
   AcGePoint3d boxMin, boxMax;
-  m_objSetMgr.getBox0(boxMin, boxMax);
+  if (!m_objSetMgr.measureBox(boxMin, boxMax)) return;
   if (!finite(boxMin) || !finite(boxMax) || boxMin.isEqualTo(boxMax)) return;
   setRange(0.5 * boxMin.distanceTo(boxMax));
   const AcGePoint3d c = boxMin + (boxMax - boxMin) * 0.5;

@@ -1,9 +1,16 @@
 // Projection of each frame, the frustum planes, and screen/world conversion.
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 #include "kxrender/AcGeLine3d.h"
 #include "kxrender/CSceneMgr.h"
 #include "support/GLTable.h"
+
+namespace {
+constexpr LONG kLongMin = std::numeric_limits<LONG>::min();
+constexpr LONG kLongMax = std::numeric_limits<LONG>::max();
+}  // namespace
 
 void CSceneMgr::setViewport() {
   RECT rc = {0, 0, 0, 0};
@@ -62,9 +69,11 @@ void CSceneMgr::updateFrustumAndMatrix() {
   // right, left, bottom, top, near: C3 -/+ C0, C3 +/- C1, C3 + C2.
   const int axis[5] = {0, 0, 1, 1, 2};
   const double sign[5] = {-1.0, 1.0, 1.0, -1.0, 1.0};
-  m_frustumPlanes.assign(5, std::vector<double>(4, 0.0));
+  // Sized once: this runs every frame and must not allocate.
+  if (m_frustumPlanes.size() != 5) m_frustumPlanes.resize(5);
   for (int p = 0; p < 5; ++p) {
     std::vector<double>& plane = m_frustumPlanes[size_t(p)];
+    plane.resize(4);
     for (int row = 0; row < 4; ++row) plane[size_t(row)] = column(3, row) + sign[p] * column(axis[p], row);
     const float length =
         static_cast<float>(std::sqrt(plane[0] * plane[0] + plane[1] * plane[1] + plane[2] * plane[2]));
@@ -98,9 +107,16 @@ double CSceneMgr::getPickPrecision() const {
 void CSceneMgr::world2screen(const AcGePoint3d& p, CPoint& out) const {
   double wx = 0.0, wy = 0.0, wz = 0.0;
   kgl->gluProject(p.x, p.y, p.z, m_modelViewMatrix, m_projMatrix, m_viewport, &wx, &wy, &wz);
-  // Truncate towards zero, then flip to window rows growing downwards.
-  out.x = static_cast<LONG>(wx);
-  out.y = m_viewport[3] - static_cast<LONG>(wy);
+  // Truncate towards zero, then flip to window rows growing downwards. Far
+  // points (grips behind the eye, huge models) land outside the LONG range:
+  // clamp them there rather than overflow; a NaN goes far off the screen.
+  auto clampToLong = [](double v) -> LONG {
+    if (!(v > double(kLongMin))) return kLongMin;
+    if (v >= double(kLongMax)) return kLongMax;
+    return static_cast<LONG>(v);
+  };
+  out.x = clampToLong(std::trunc(wx));
+  out.y = clampToLong(double(m_viewport[3]) - std::trunc(wy));
 }
 
 CPoint CSceneMgr::world2screen(const AcGePoint3d& p) const {

@@ -1,6 +1,7 @@
 // Construction, copying, geometry setters, tags and polygon offsets of a
 // render shape.
 #include <cmath>
+#include <utility>
 
 #include "kxrender/CRenderShape.h"
 #include "kxrender/CRenderSysUtils.h"
@@ -17,7 +18,7 @@ void closeContour(std::vector<AcGePoint3d>& c) {
 CRenderShape::CRenderShape() = default;
 
 CRenderShape::CRenderShape(const CRenderShape& other) {
-  copyFields(other);
+  takeFields(other);
   m_textInfo = other.m_textInfo ? new TextInfo(*other.m_textInfo) : nullptr;
   copyFaceData(other);
   m_faceDisplayList = 0;  // a list belongs to its first owner's context use
@@ -25,7 +26,7 @@ CRenderShape::CRenderShape(const CRenderShape& other) {
 
 CRenderShape& CRenderShape::operator=(const CRenderShape& other) {
   if (this == &other) return *this;
-  copyFields(other);
+  takeFields(other);
   delete m_textInfo;
   m_textInfo = other.m_textInfo ? new TextInfo(*other.m_textInfo) : nullptr;
   copyFaceData(other);
@@ -41,37 +42,61 @@ CRenderShape::~CRenderShape() {
 
 // Everything but the owned text, the face arrays (with their sharing flag
 // and hit lines) and the display list, which have rules of their own.
-void CRenderShape::copyFields(const CRenderShape& o) {
-  m_live = o.m_live;
-  m_visible = o.m_visible;
-  m_type = o.m_type;
-  m_ucs = o.m_ucs;
-  m_pts = o.m_pts;
-  m_holes = o.m_holes;
-  m_reserved = o.m_reserved;
-  m_clr = o.m_clr;
-  m_texCoords = o.m_texCoords;
-  m_glPts = o.m_glPts;
-  m_strips = o.m_strips;
-  m_boxMin = o.m_boxMin;
-  m_boxMax = o.m_boxMax;
-  m_sphereCenter = o.m_sphereCenter;
-  m_sphereRadius = o.m_sphereRadius;
-  m_hit = o.m_hit;
-  m_highLight = o.m_highLight;
-  m_xdata = o.m_xdata;
-  m_texture = o.m_texture;
-  m_hasTexture = o.m_hasTexture;
-  m_showBorder = o.m_showBorder;
-  m_borderClr = o.m_borderClr;
-  m_borderWidth = o.m_borderWidth;
-  m_borderWidthScaled = o.m_borderWidthScaled;
-  m_borderMaxWidth = o.m_borderMaxWidth;
-  m_area = o.m_area;
-  m_offsetFactor = o.m_offsetFactor;
-  m_offsetUnits = o.m_offsetUnits;
-  m_zOffset = o.m_zOffset;
-  m_dotLine = o.m_dotLine;
+template <class S>
+void CRenderShape::takeFields(S&& o) {
+  m_live = std::forward<S>(o).m_live;
+  m_visible = std::forward<S>(o).m_visible;
+  m_type = std::forward<S>(o).m_type;
+  m_ucs = std::forward<S>(o).m_ucs;
+  m_pts = std::forward<S>(o).m_pts;
+  m_holes = std::forward<S>(o).m_holes;
+  m_reserved = std::forward<S>(o).m_reserved;
+  m_clr = std::forward<S>(o).m_clr;
+  m_texCoords = std::forward<S>(o).m_texCoords;
+  m_glPts = std::forward<S>(o).m_glPts;
+  m_strips = std::forward<S>(o).m_strips;
+  m_boxMin = std::forward<S>(o).m_boxMin;
+  m_boxMax = std::forward<S>(o).m_boxMax;
+  m_sphereCenter = std::forward<S>(o).m_sphereCenter;
+  m_sphereRadius = std::forward<S>(o).m_sphereRadius;
+  m_hit = std::forward<S>(o).m_hit;
+  m_highLight = std::forward<S>(o).m_highLight;
+  m_xdata = std::forward<S>(o).m_xdata;
+  m_texture = std::forward<S>(o).m_texture;
+  m_hasTexture = std::forward<S>(o).m_hasTexture;
+  m_showBorder = std::forward<S>(o).m_showBorder;
+  m_borderClr = std::forward<S>(o).m_borderClr;
+  m_borderWidth = std::forward<S>(o).m_borderWidth;
+  m_borderWidthScaled = std::forward<S>(o).m_borderWidthScaled;
+  m_borderMaxWidth = std::forward<S>(o).m_borderMaxWidth;
+  m_area = std::forward<S>(o).m_area;
+  m_offsetFactor = std::forward<S>(o).m_offsetFactor;
+  m_offsetUnits = std::forward<S>(o).m_offsetUnits;
+  m_zOffset = std::forward<S>(o).m_zOffset;
+  m_dotLine = std::forward<S>(o).m_dotLine;
+}
+
+CRenderShape::CRenderShape(CRenderShape&& other) noexcept {
+  takeFields(std::move(other));
+  swapOwned(other);
+}
+
+CRenderShape& CRenderShape::operator=(CRenderShape&& other) noexcept {
+  if (this == &other) return *this;
+  takeFields(std::move(other));
+  swapOwned(other);
+  return *this;
+}
+
+void CRenderShape::swapOwned(CRenderShape& o) noexcept {
+  std::swap(m_textInfo, o.m_textInfo);
+  std::swap(m_meshVertices, o.m_meshVertices);
+  std::swap(m_meshTriangleIndices, o.m_meshTriangleIndices);
+  std::swap(m_meshNormals, o.m_meshNormals);
+  std::swap(m_meshTexCoords, o.m_meshTexCoords);
+  std::swap(m_shareVertexData, o.m_shareVertexData);
+  m_hitLines.swap(o.m_hitLines);
+  std::swap(m_faceDisplayList, o.m_faceDisplayList);
 }
 
 void CRenderShape::Init() {

@@ -217,20 +217,25 @@ CArchive& operator<<(CArchive& ar, const CString& s) {
   return ar;
 }
 
+// One 0xFFFE marker announces UTF-16 text; a second one is corrupt data, so
+// a file of repeated markers is refused instead of being followed forever.
 static DWORD readStringLength(CArchive& ar, bool& wide) {
-  BYTE b = 0;
-  ar >> b;
-  if (b < 0xFF) return b;
-  WORD w = 0;
-  ar >> w;
-  if (w == 0xFFFE) {  // marker of a UTF-16 string; the real length follows
-    wide = true;
-    return readStringLength(ar, wide);
+  for (int markers = 0;; ++markers) {
+    BYTE b = 0;
+    ar >> b;
+    if (b < 0xFF) return b;
+    WORD w = 0;
+    ar >> w;
+    if (w == 0xFFFE) {
+      if (markers > 0) throw CArchiveException(CArchiveException::genericException);
+      wide = true;
+      continue;
+    }
+    if (w < 0xFFFF) return w;
+    DWORD d = 0;
+    ar >> d;
+    return d;
   }
-  if (w < 0xFFFF) return w;
-  DWORD d = 0;
-  ar >> d;
-  return d;
 }
 
 CArchive& operator>>(CArchive& ar, CString& s) {

@@ -20,8 +20,10 @@ class CObjectSearchTree;
 class KXRENDER_API CObjectSetMgr {
  public:
   CObjectSetMgr();
-  // Copies the containers (the same object pointers; the copy does not own
-  // them) and rebuilds its own search tree.
+  // A copy owns copies of the objects and static objects, under the same
+  // ids, and its own search tree: deleting or changing an object in one set
+  // never reaches the other. Copied static objects name the same display
+  // list as their source (the list is the host's geometry, built once).
   CObjectSetMgr(const CObjectSetMgr& o);
   CObjectSetMgr& operator=(const CObjectSetMgr& o);
   ~CObjectSetMgr();
@@ -30,6 +32,8 @@ class KXRENDER_API CObjectSetMgr {
   CSceneMgr* getScene() const { return m_scene; }
 
   // ---- objects ----
+  // The set takes ownership and returns the new id; 0 for null or for an
+  // object already in a set (this one or another), which is left as it is.
   // Throws a heap-allocated std::exception when no id is left.
   unsigned addObject(CRenderObject* obj);
   void addObject(const std::vector<CRenderObject*>& objs, std::vector<unsigned>& ids);
@@ -59,6 +63,9 @@ class KXRENDER_API CObjectSetMgr {
   // The box of the current contents, computed afresh and not stored; the
   // stored box when there is nothing to measure.
   void getBox0(AcGePoint3d& min, AcGePoint3d& max) const;
+  // The box of the current contents; false, leaving min and max as they
+  // are, when nothing in the set has an extent.
+  bool measureBox(AcGePoint3d& min, AcGePoint3d& max) const;
   void freshBox() { calBox(); }
   double borderLineZNear() const { return m_zNear; }
   double borderLineZFar() const { return m_zFar; }
@@ -111,10 +118,10 @@ class KXRENDER_API CObjectSetMgr {
   double m_zNear = 0.09995;
   double m_zFar = 1.0;
   std::unique_ptr<CObjectSearchTree> m_searchTree;
-  bool m_ownsContents = true;
   std::vector<const CRenderShape*> m_outlineShapes;
   std::vector<CRenderObject*> m_frameObjects;  // kept between frames: no per-frame allocation
   std::vector<CRenderObject*> m_transparentObjects;
+  std::vector<CRenderObject*> m_listedObjects;  // the same, sorted by address
   // Taken ids tried in a row before giving up; tests lower it.
   uint32_t m_idAttemptLimit = 0xFFFFFFFDu;
   friend struct CObjectSetMgrTestAccess;

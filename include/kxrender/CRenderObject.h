@@ -30,6 +30,10 @@ class KXRENDER_API CRenderObject {
   enum SnapMode : uint32_t {};
 
   CRenderObject() = default;
+  // A copy has every field of the source (shapes without display lists,
+  // deep copies of snap curves and matrices) but belongs to no set until it
+  // is added to one. Assigning to an object that is in a set keeps its id
+  // and set, so the set's index stays true.
   CRenderObject(const CRenderObject& o);
   CRenderObject& operator=(const CRenderObject& o);
   // Hands every shape's display list to the scene's deletion queue when the
@@ -39,18 +43,20 @@ class KXRENDER_API CRenderObject {
   // ---- shapes ----
   void addShape(const CRenderShape& s) { m_shapes.push_back(s); }
   unsigned numShp() const { return static_cast<unsigned>(m_shapes.size()); }
-  // An index at or past the end gives the last shape.
+  // An index at or past the end gives the last shape; an object with no
+  // shapes gives an empty shape that belongs to no object.
   CRenderShape& getShape(unsigned i);
   const CRenderShape& getShape(unsigned i) const;
   CRenderShape& operator[](unsigned i) { return getShape(i); }
   const CRenderShape& operator[](unsigned i) const { return getShape(i); }
   std::vector<CRenderShape>& getShps() { return m_shapes; }
   const std::vector<CRenderShape>& getShps() const { return m_shapes; }
-  void clearShape() { m_shapes.clear(); }
+  // Dropping shapes hands their display lists to the scene's deletion queue.
+  void clearShape();
   // Call once after the last addShape: drops invalid shapes, trims storage,
   // computes the box and the common colour.
   void endAddShape();
-  void resize(unsigned n) { m_shapes.resize(n); }
+  void resize(unsigned n);
   size_t numTriangles() const;
 
   bool getShapeHit(const unsigned& i) const;
@@ -98,11 +104,13 @@ class KXRENDER_API CRenderObject {
   // ---- levels of detail ----
   void setLodLevel(unsigned n);
   std::vector<std::vector<CRenderShape>>& getLodShpss() { return m_lodShps; }
-  std::vector<CRenderShape>& getLodShpss(unsigned level) { return m_lodShps[level]; }
+  // A level past the last gives the last; with no levels, an empty list and
+  // zero values that belong to no level (writes to them are discarded).
+  std::vector<CRenderShape>& getLodShpss(unsigned level);
   std::vector<unsigned>& getLodExaShapeNum() { return m_lodExaShapeNum; }
-  unsigned& getLodExaShapeNum(unsigned level) { return m_lodExaShapeNum[level]; }
+  unsigned& getLodExaShapeNum(unsigned level);
   std::vector<float>& getLodUnitsPerPixel() { return m_lodUnitsPerPixel; }
-  float& getLodUnitsPerPixel(unsigned level) { return m_lodUnitsPerPixel[level]; }
+  float& getLodUnitsPerPixel(unsigned level);
   void setMaxUnitsPerPixel(double v) {
     m_maxUnitsPerPixel = v;
     m_hasMaxUnitsPerPixel = true;
@@ -165,7 +173,10 @@ class KXRENDER_API CRenderObject {
   void copySanpCurves(const CRenderObject& o);
 
  private:
+  friend class CObjectSetMgr;
   void copyFrom(const CRenderObject& o);
+  // Hands the display lists of shapes about to be dropped to the scene.
+  void releaseShapeLists(std::vector<CRenderShape>::iterator first, std::vector<CRenderShape>::iterator last);
   void updateSnapExaSphere();
   void drawShape(CRenderShape& s, bool cullBackFaces, const double* pixelsPerUnit,
                  const AcGeVector3d* viewDirection, bool isLod);
@@ -179,6 +190,7 @@ class KXRENDER_API CRenderObject {
   AcGePoint3d m_ptCenter;
   float m_radius = 0.0f;
   CObjectSetMgr* m_objSet = nullptr;
+  bool m_inSet = false;  // owned by a set; never copied
   std::vector<AcGePoint3d> m_snapPoints;
   std::vector<AcGeCurve3d*> m_snapCurves;
   std::vector<AcGePoint3d> m_snapPointsExa;

@@ -28,6 +28,11 @@ class KXRENDER_API CRenderShape {
   // Copies everything like the copy constructor but keeps this shape's own
   // display list.
   CRenderShape& operator=(const CRenderShape& other);
+  // Moves take the display list along (growing or trimming a shape list
+  // keeps every compiled list with its shape); a move-assigned shape hands
+  // its old list, text and face data to the source, which frees the data.
+  CRenderShape(CRenderShape&& other) noexcept;
+  CRenderShape& operator=(CRenderShape&& other) noexcept;
   // Does not delete the display list: the owner releases it first.
   ~CRenderShape();
 
@@ -185,7 +190,10 @@ class KXRENDER_API CRenderShape {
   // name without a GL context).
   friend struct CRenderShapeTestAccess;
 
-  void copyFields(const CRenderShape& o);
+  // Every plain field; S is const CRenderShape& to copy, CRenderShape to move.
+  template <class S>
+  void takeFields(S&& o);
+  void swapOwned(CRenderShape& o) noexcept;
   static float offsetBase(float area);
 
   bool m_live = true;

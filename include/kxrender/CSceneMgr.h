@@ -169,6 +169,8 @@ class KXRENDER_API CSceneMgr {
   void SetPartTrans(bool b) { m_bPartTrans = b; }
   void SetPartTransIds(const std::vector<unsigned int>& ids) { m_partTransIds = ids; }
   std::vector<unsigned int> GetPartTransIds() const { return m_partTransIds; }
+  // The same list without a copy, for the frame.
+  const std::vector<unsigned int>& partTransIds() const { return m_partTransIds; }
   void AddPartTransId(unsigned int id);
   void DelPartTransId(unsigned int id);
   void ClearAllPartTransId() { m_partTransIds.clear(); }

@@ -40,7 +40,9 @@ class KXRENDER_API CStaticObject {
   }
 
  private:
+  friend class CObjectSetMgr;
   unsigned m_renderList = 0;
+  bool m_inSet = false;  // owned by a set; never copied
   CObjectSetMgr* m_objSet = nullptr;
   bool m_visible = true;
   AcGePoint3d m_boxMin;

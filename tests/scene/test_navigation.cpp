@@ -162,10 +162,30 @@ TEST_F(Navigation, OtherWheelDeltasOnlyRecord) {
   EXPECT_TRUE(sameView(*scene.camera(), before));
 }
 
-TEST_F(Navigation, ZoomToExtentsCentresOnTheBox) {
+TEST_F(Navigation, ZoomToExtentsCentresOnTheModelBox) {
   scene.camera()->ReSet(AcGeVector3d(50, 20, 5), AcGeVector3d(0, 0, 1), AcGeVector3d(1, 0, 0));
+  const CCamera start = *scene.camera();
+  // Nothing to measure, then a model that is a single point: no change, no call.
   scene.zoomE();
-  // The default set box is +-10 on each axis: radius sqrt(300).
+  auto* dot = new CRenderObject;
+  CRenderShape s;
+  s.set({AcGePoint3d(4, 4, 4)}, {}, CRenderShape::kPline, CColor(), AcGeVector3d::kZAxis, 1, 1, 0);
+  dot->addShape(s);
+  dot->endAddShape();
+  const unsigned dotId = scene.getObjSetMgr()->addObject(dot);
+  scene.zoomE();
+  EXPECT_TRUE(sameView(*scene.camera(), start));
+  EXPECT_EQ(scene.dRange(), 150.0);
+  EXPECT_EQ(g_seen.calls, 0);
+
+  scene.getObjSetMgr()->delObject(dotId);
+  auto* box = new CRenderObject;
+  s.set({AcGePoint3d(-10, -10, -10), AcGePoint3d(10, 10, 10)}, {}, CRenderShape::kPline, CColor(),
+        AcGeVector3d::kZAxis, 1, 1, 0);
+  box->addShape(s);
+  box->endAddShape();
+  scene.getObjSetMgr()->addObject(box);
+  scene.zoomE();
   EXPECT_DOUBLE_EQ(scene.dRange(), std::sqrt(300.0));
   EXPECT_TRUE(near(scene.camera()->GetVLocation(), AcGeVector3d(0, 0, 0)));
   EXPECT_TRUE(near(scene.camera()->GetVForward(), AcGeVector3d(1, 0, 0)));
@@ -316,7 +336,6 @@ TEST_F(Navigation, LimitedOrbitKeepsZUprightAndUsesTheFixedPivot) {
 TEST_F(Navigation, CallbackSeesTheFinishedView) {
   const std::function<void()> ops[] = {
       [&] { scene.zoom(1500); },
-      [&] { scene.zoomE(); },
       [&] { scene.zoomW(AcGePoint3d(1, 2, 0), AcGePoint3d(9, 5, 0)); },
       [&] { scene.zoomW(CPoint(10, 20), CPoint(300, 200)); },
       [&] { scene.mouseWheel(120, CPoint(50, 60)); },

@@ -1,6 +1,7 @@
 #include <epoxy/gl.h>
 
 #include <cmath>
+#include <limits>
 
 #include "SceneFixture.h"
 #include "kxrender/CArchive.h"
@@ -102,6 +103,11 @@ TEST_F(SceneConversion, WorldToScreenFlipsYAtTheEdges) {
   EXPECT_EQ(out, CPoint(500, 250));
   scene.world2screen(AcGePoint3d(-50.2, -25.2, 7), out);
   EXPECT_EQ(out, CPoint(299, 351));
+  // Far points clamp to the LONG range instead of overflowing.
+  const LONG top = std::numeric_limits<LONG>::max(), bottom = std::numeric_limits<LONG>::min();
+  EXPECT_EQ(scene.world2screen(AcGePoint3d(1e300, -1e300, 0)), CPoint(top, top));
+  EXPECT_EQ(scene.world2screen(AcGePoint3d(-1e300, 1e300, 0)), CPoint(bottom, bottom));
+  EXPECT_EQ(scene.world2screen(AcGePoint3d(0, 1e12, 0)).y, bottom);
 }
 
 TEST_F(SceneConversion, ScreenToWorldOnPlanesAndRoundTrip) {

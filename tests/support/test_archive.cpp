@@ -120,6 +120,14 @@ TEST(CArchive, TruncatedInputRaisesEndOfFile) {
   CArchive ar(&in, CArchive::load);
   CString s;
   EXPECT_EQ(causeOf([&] { ar >> s; }), CArchiveException::endOfFile);
+
+  // Megabytes of repeated UTF-16 markers are refused at the second marker
+  // (following them recursively overflowed the stack).
+  Bytes markers;
+  for (int i = 0; i < 2000000; ++i) markers.insert(markers.end(), {0xFF, 0xFE, 0xFF});
+  CMemFile in2(markers.data(), markers.size());
+  CArchive ar2(&in2, CArchive::load);
+  EXPECT_EQ(causeOf([&] { ar2 >> s; }), CArchiveException::genericException);
 }
 
 TEST(CArchive, WrongModeAndBadTagsRaise) {

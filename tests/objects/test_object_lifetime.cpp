@@ -1,0 +1,173 @@
+// Who owns what: objects added once, sets and scenes copied and destroyed in
+// any order, display lists handed back on every path that drops them, and
+// accessors of empty lists. The memory faults these guard against show as
+// crashes or sanitizer reports.
+#include <epoxy/gl.h>
+
+#include "ObjectHelpers.h"
+#include "kxrender/CSceneMgr.h"
+#include "scene/SceneFixture.h"
+
+namespace {
+
+// Names of display lists alive in the current context among the first n.
+int liveLists(unsigned n = 4096) {
+  int live = 0;
+  for (unsigned id = 1; id <= n; ++id) live += glIsList(id) == GL_TRUE;
+  return live;
+}
+
+CRenderObject* faceObject(int shapes) {
+  auto* o = new CRenderObject;
+  for (int i = 0; i < shapes; ++i) o->addShape(faceTriangle());
+  o->endAddShape();
+  return o;
+}
+
+}  // namespace
+
+TEST(ObjectOwnership, AnObjectJoinsOneSetOnce) {
+  CObjectSetMgr a, b;
+  CRenderObject* o = rectObject(0, 0, 1, 1);
+  ASSERT_EQ(a.addObject(o), 1u);
+  EXPECT_EQ(a.addObject(o), 0u);
+  EXPECT_EQ(b.addObject(o), 0u);
+  std::vector<unsigned> ids;
+  b.addObject(std::vector<CRenderObject*>{o, rectObject(0, 0, 2, 2)}, ids);
+  EXPECT_EQ(ids, (std::vector<unsigned>{0, 1}));
+  EXPECT_EQ(a.numObjs(), 1u);
+  EXPECT_EQ(b.numObjs(), 1u);
+  EXPECT_EQ(o->getObjSet(), &a);
+
+  auto* st = new CStaticObject;
+  const unsigned list = a.addStaticObject(st);
+  EXPECT_EQ(a.addStaticObject(st), 0u);
+  EXPECT_EQ(b.addStaticObject(st), 0u);
+  EXPECT_EQ(a.staticObjects().size(), 1u);
+  EXPECT_TRUE(b.staticObjects().empty());
+  a.delStaticObject(list);
+}
+
+TEST(ObjectOwnership, CopiedSetsOwnTheirOwnObjects) {
+  auto* original = new CObjectSetMgr;
+  const unsigned id = original->addObject(rectObject(0, 0, 4, 4));
+  original->addStaticObject(new CStaticObject);
+  CObjectSetMgr copy(*original);
+  CObjectSetMgr assigned;
+  assigned.addObject(rectObject(9, 9, 10, 10));
+  assigned = *original;
+
+  for (CObjectSetMgr* s : {&copy, &assigned}) {
+    ASSERT_NE(s->getObj(id), nullptr);
+    EXPECT_NE(s->getObj(id), original->getObj(id));
+    EXPECT_EQ(s->getObj(id)->getObjSet(), s);
+    EXPECT_EQ(s->getObj(id)->getId(), id);
+    EXPECT_EQ(s->numObjs(), 1u);
+    EXPECT_EQ(s->staticObjects().size(), 1u);
+  }
+  original->delObject(id);
+  delete original;
+  // Still readable, still searchable, and new objects are freed with the copy.
+  EXPECT_EQ(copy.getObj(id)->getShape(0).getPts().size(), 5u);
+  std::vector<CRenderObject*> found;
+  copy.getInRectObjs(AcGePoint2d(1, 1), AcGePoint2d(2, 2), found);
+  EXPECT_EQ(found.size(), 1u);
+  EXPECT_EQ(copy.addObject(rectObject(0, 0, 1, 1)), id + 1);
+
+  // A copied object belongs to no set until added; assigning to an object in
+  // a set keeps its id there.
+  CRenderObject loose(*copy.getObj(id));
+  EXPECT_EQ(copy.addObject(new CRenderObject(loose)), id + 2);
+  *copy.getObj(id + 1) = loose;
+  EXPECT_EQ(copy.getObj(id + 1)->getId(), id + 1);
+}
+
+TEST(ObjectOwnership, EmptyListsGiveNothingInsteadOfReadingPastThem) {
+  CRenderObject empty;
+  EXPECT_TRUE(empty.getShape(0).getPts().empty());
+  EXPECT_TRUE(empty.getShape(7).getPts().empty());
+  empty.getShape(3).getPts().push_back(AcGePoint3d());  // discarded
+  EXPECT_TRUE(empty.getShape(3).getPts().empty());
+  EXPECT_EQ(empty.numShp(), 0u);
+  EXPECT_TRUE(empty.getLodShpss(2).empty());
+  EXPECT_EQ(empty.getLodExaShapeNum(1), 0u);
+  EXPECT_EQ(empty.getLodUnitsPerPixel(0), 0.0f);
+
+  CRenderObject lod;
+  lod.setLodLevel(2);
+  lod.getLodUnitsPerPixel(1) = 4.0f;
+  EXPECT_EQ(lod.getLodUnitsPerPixel(9), 4.0f);  // clamped to the last level
+  EXPECT_EQ(&lod.getLodShpss(5), &lod.getLodShpss(1));
+}
+
+class ObjectLists : public SceneFixture {
+ protected:
+  void SetUp() override {
+    open(64, 64);
+    scene.setRange(10.0);
+  }
+  // Two frames: the first compiles lists and the second deletes the queue.
+  void frames() {
+    scene.render();
+    scene.finish();
+    scene.render();
+    scene.finish();
+  }
+};
+
+TEST_F(ObjectLists, EveryPathThatDropsShapesReturnsTheirLists) {
+  CObjectSetMgr& set = *scene.getObjSetMgr();
+  CRenderObject* o = faceObject(50);
+  const unsigned id = set.addObject(o);
+  frames();
+  EXPECT_EQ(liveLists(), 50);
+  // Growing past the capacity and trimming again move shapes, lists included.
+  for (int i = 0; i < 50; ++i) o->addShape(faceTriangle());
+  o->endAddShape();
+  frames();
+  EXPECT_EQ(liveLists(), 100);
+  o->resize(30);
+  frames();
+  EXPECT_EQ(liveLists(), 30);
+  const CRenderObject none;
+  *o = none;
+  frames();
+  EXPECT_EQ(liveLists(), 0);
+  o->addShape(faceTriangle());
+  o->addShape(faceTriangle());
+  frames();
+  o->clearShape();
+  frames();
+  EXPECT_EQ(liveLists(), 0);
+  o->addShape(faceTriangle());
+  frames();
+  set.delObject(id);
+  frames();
+  EXPECT_EQ(liveLists(), 0);
+}
+
+TEST_F(ObjectLists, LevelListsOfDifferentLengthsAreDrawnSafely) {
+  CRenderObject* o = faceObject(1);
+  o->setLodLevel(1);
+  o->getLodShpss(0).push_back(faceTriangle());
+  // The host grows one of the three lists only.
+  o->getLodUnitsPerPixel().assign(4, 0.0f);
+  scene.getObjSetMgr()->addObject(o);
+  frames();
+  EXPECT_EQ(liveLists(), 1);
+}
+
+TEST(SceneLifetime, DestroyedWithoutReleaseWhileObjectsHoldLists) {
+  HWND w = KxCreateOffscreenWindow(32, 32);
+  {
+    CSceneMgr scene;
+    ASSERT_TRUE(scene.initializeRender(w, false, false));
+    scene.getObjSetMgr()->addObject(faceObject(3));
+    scene.render();
+    scene.finish();
+    CSceneMgr copy(scene);
+    EXPECT_NE(copy.getObjSetMgr()->getObj(1), scene.getObjSetMgr()->getObj(1));
+    // Neither scene calls glRelease: the host forgot, or unwound past it.
+  }
+  KxDestroyWindow(w);
+}
