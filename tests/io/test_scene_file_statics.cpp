@@ -5,7 +5,7 @@
 
 #include "kxrender/CStaticObject.h"
 #include "kxrender/KxWindow.h"
-#include "objects/SceneFileHelpers.h"
+#include "io/SceneFileHelpers.h"
 #include "support/GLRecorder.h"
 
 namespace {

@@ -4,7 +4,7 @@
 
 #include <fstream>
 
-#include "objects/SceneFileHelpers.h"
+#include "io/SceneFileHelpers.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "objects/SceneDoc.h"
+#include "io/SceneDoc.h"
 #include "support/JsonReader.h"
 #include "support/JsonWriter.h"
 

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "kxrender/KxSystem.h"
-#include "objects/SceneFileHelpers.h"
+#include "io/SceneFileHelpers.h"
 
 namespace {
 
