@@ -107,253 +107,190 @@ const char* const kGoodView =
 
 }  // namespace
 
-TEST(SceneDoc, ReadsEveryField) {
+TEST(SceneDoc, ReadsEveryFieldIntoItsPlace) {
+  // Writing back proves nothing is lost; these prove each value lands in
+  // the member it names, extreme numbers included.
   SceneDoc doc;
   std::string error;
   ASSERT_TRUE(parse(kFullScene, doc, error)) << error;
   ASSERT_TRUE(doc.hasView);
-  EXPECT_EQ(doc.view.location.y, -20.0);
-  EXPECT_EQ(doc.view.forward.z, -0.8);
-  EXPECT_EQ(doc.view.up.y, 0.8);
-  EXPECT_EQ(doc.view.range, 42.25);
-  EXPECT_EQ(doc.view.renderMode, 4);
-  EXPECT_EQ(doc.view.background, CColor(40, 60, 80, 255));
-
+  const ViewDoc& v = doc.view;
+  EXPECT_EQ(std::vector<double>({v.location.y, v.forward.z, v.up.y, v.range}),
+            std::vector<double>({-20, -0.8, 0.8, 42.25}));
+  EXPECT_EQ(v.renderMode, 4);
+  EXPECT_EQ(v.background, CColor(40, 60, 80, 255));
   ASSERT_EQ(doc.objects.size(), 2u);
   const ObjectDoc& o = doc.objects[0];
   EXPECT_EQ(o.externId, 4294967295u);
   EXPECT_EQ(o.xdata, "\xE5\xA2\x99 W-1 \"main\"");
-  EXPECT_FALSE(o.visible);
+  EXPECT_EQ(std::vector<bool>({o.visible, o.generateShadow, o.faceSnap, o.hasMaxUnitsPerPixel}),
+            std::vector<bool>({false, true, true, true}));
   EXPECT_EQ(o.renderMode, 0);
-  EXPECT_TRUE(o.generateShadow);
-  EXPECT_TRUE(o.faceSnap);
-  EXPECT_TRUE(o.hasMaxUnitsPerPixel);
   EXPECT_EQ(o.maxUnitsPerPixel, 0.25);
-  ASSERT_EQ(o.snapPoints.size(), 2u);
-  EXPECT_EQ(o.snapPoints[1].x, 6.0);
+  EXPECT_EQ(o.snapPoints.at(1).x, 6.0);
   ASSERT_EQ(o.shapes.size(), 4u);
-
-  const ShapeDoc& wall = o.shapes[0];
-  EXPECT_EQ(wall.kind, CRenderShape::kPgon);
-  EXPECT_EQ(wall.color, CColor(225, 205, 160, 255));
-  EXPECT_EQ(wall.normal.y, -1.0);
-  EXPECT_EQ(wall.pts.size(), 5u);
-  ASSERT_EQ(wall.holes.size(), 1u);
-  EXPECT_EQ(wall.holes[0][1].z, 2.25);
-  EXPECT_TRUE(wall.showBorder);
-  EXPECT_EQ(wall.borderColor, CColor(0, 0, 0, 255));
-  EXPECT_EQ(wall.borderWidth, 2.5f);
-  EXPECT_TRUE(wall.borderScaled);
-  EXPECT_EQ(wall.borderMax, 6.0f);
+  const ShapeDoc &wall = o.shapes[0], &line = o.shapes[1], &glass = o.shapes[2], &label = o.shapes[3];
+  EXPECT_EQ(std::vector<int>({wall.kind, line.kind, glass.kind, label.kind}),
+            std::vector<int>({CRenderShape::kPgon, CRenderShape::kPline, CRenderShape::kFace, CRenderShape::kText}));
+  EXPECT_EQ(wall.holes.at(0).at(1).z, 2.25);
+  EXPECT_TRUE(wall.showBorder && wall.borderScaled && !line.showBorder && !line.visible && line.dotLine);
+  EXPECT_EQ(std::vector<float>({wall.borderWidth, wall.borderMax, wall.zOffset, line.borderWidth}),
+            std::vector<float>({2.5f, 6.0f, 0.125f, 1.2f}));
+  EXPECT_EQ(std::vector<double>({wall.factorScale, wall.unitScale}), std::vector<double>({2.0, 0.5}));
   EXPECT_EQ(wall.texture, "brick.png");
-  EXPECT_EQ(wall.factorScale, 2.0);
-  EXPECT_EQ(wall.unitScale, 0.5);
-  EXPECT_EQ(wall.zOffset, 0.125f);
-  ASSERT_EQ(wall.tags.size(), 2u);
-  EXPECT_EQ(wall.tags.at("nodepth"), "0.1");
   EXPECT_EQ(wall.tags.at("\xE5\x9D\xA1\xE5\xB1\x8B\xE9\xA1\xB6"), "\xE5\xA4\x96\xE9\x9D\xA2");
-  ASSERT_EQ(wall.hitLines.size(), 1u);
-  EXPECT_EQ(wall.hitLines[0].size(), 2u);
-
-  const ShapeDoc& line = o.shapes[1];
-  EXPECT_EQ(line.kind, CRenderShape::kPline);
-  EXPECT_FALSE(line.visible);
-  EXPECT_TRUE(line.dotLine);
-  EXPECT_FALSE(line.showBorder);
-  EXPECT_EQ(line.borderWidth, 1.2f);
-
-  const ShapeDoc& glass = o.shapes[2];
-  EXPECT_EQ(glass.kind, CRenderShape::kFace);
-  EXPECT_EQ(glass.color.a, 128);
-  EXPECT_EQ(glass.vertices.size(), 4u);
+  EXPECT_EQ(wall.hitLines.at(0).size(), 2u);
   EXPECT_EQ(glass.triangles, (std::vector<int>{0, 1, 2, 0, 2, 3}));
-  EXPECT_EQ(glass.normals.size(), 4u);
-  ASSERT_EQ(glass.texCoords.size(), 4u);
-  EXPECT_EQ(glass.texCoords[2].y, 1.0);
-
-  const ShapeDoc& label = o.shapes[3];
-  EXPECT_EQ(label.kind, CRenderShape::kText);
-  EXPECT_EQ(label.text, "\xE6\x88\xBF\xE9\x97\xB4" "1-1");
-  EXPECT_EQ(label.font, "simsun");
+  EXPECT_EQ(glass.texCoords.at(2).y, 1.0);
+  EXPECT_EQ(label.text,
+            "\xE6\x88\xBF\xE9\x97\xB4"
+            "1-1");
   EXPECT_EQ(label.height, 0.6);
   EXPECT_EQ(label.position.z, 1.5);
-
-  ASSERT_EQ(o.lods.size(), 1u);
-  EXPECT_EQ(o.lods[0].unitsPerPixel, 0.05f);
-  EXPECT_EQ(o.lods[0].shapes.size(), 1u);
-
-  const ShapeDoc& extreme = doc.objects[1].shapes[0];
-  EXPECT_EQ(extreme.pts[0].z, 0.1 + 0.2);
-  EXPECT_EQ(extreme.pts[1].y, 5e-324);
-  EXPECT_TRUE(std::signbit(extreme.pts[1].z));
-  EXPECT_EQ(extreme.pts[2].x, 1.7976931348623157e308);
-  EXPECT_EQ(doc.objects[1].externId, 7u);
-  EXPECT_TRUE(doc.objects[1].visible);
-  EXPECT_EQ(doc.objects[1].renderMode, 2);
-
+  EXPECT_EQ(o.lods.at(0).unitsPerPixel, 0.05f);
+  const std::vector<AcGePoint3d>& extreme = doc.objects[1].shapes.at(0).pts;
+  EXPECT_EQ(extreme[0].z, 0.1 + 0.2);
+  EXPECT_EQ(extreme[1].y, 5e-324);
+  EXPECT_TRUE(std::signbit(extreme[1].z));
+  EXPECT_EQ(extreme[2].x, 1.7976931348623157e308);
   ASSERT_EQ(doc.statics.size(), 1u);
   EXPECT_FALSE(doc.statics[0].visible);
-  ASSERT_EQ(doc.statics[0].primitives.size(), 2u);
-  const KxStaticPrimitive& fan = doc.statics[0].primitives[1];
+  const KxStaticPrimitive& fan = doc.statics[0].primitives.at(1);
   EXPECT_EQ(fan.type, CRenderSystem::kTriangleFan);
-  EXPECT_EQ(fan.normals.size(), 1u);
-  EXPECT_EQ(fan.colors.size(), 3u);
-  EXPECT_EQ(fan.colors[2], CColor(7, 8, 9, 255));
-  EXPECT_EQ(doc.statics[0].primitives[0].type, CRenderSystem::kLineLoop);
+  EXPECT_EQ(fan.colors.at(2), CColor(7, 8, 9, 255));
 }
 
-TEST(SceneDoc, WritesWhatItReadByteForByte) {
+TEST(SceneDoc, WritesWhatItReadByteForByteAndLeavesDefaultsOut) {
   SceneDoc doc;
   std::string error;
   ASSERT_TRUE(parse(kFullScene, doc, error)) << error;
   EXPECT_EQ(write(doc), kFullScene);
-}
-
-TEST(SceneDoc, MissingOptionalPartsTakeTheirDefaults) {
-  SceneDoc doc;
-  std::string error;
-  ASSERT_TRUE(parse(R"({"format":"kxscene","version":1})", doc, error)) << error;
-  EXPECT_FALSE(doc.hasView);
-  EXPECT_TRUE(doc.objects.empty());
-  ASSERT_TRUE(parse(withShape(R"({"kind":"pgon","pts":[[0,0,0],[1,0,0],[0,1,0]]})"), doc, error)) << error;
-  const ShapeDoc& s = doc.objects[1].shapes[0];
-  EXPECT_EQ(s.color, CColor(255, 255, 255, 255));
-  EXPECT_EQ(s.normal.z, 1.0);
-  EXPECT_TRUE(s.visible);
-  EXPECT_EQ(s.factorScale, 1.0);
-  EXPECT_EQ(s.zOffset, 0.0f);
-  EXPECT_EQ(s.borderMax, 8.0f);
-  EXPECT_TRUE(s.texture.IsEmpty());
-  // Written back, only what differs from the defaults appears.
-  const std::string text = write(doc);
+  SceneDoc small;
+  ASSERT_TRUE(parse(withShape(R"({"kind":"pgon","pts":[[0,0,0],[1,0,0],[0,1,0]]})"), small, error)) << error;
+  EXPECT_FALSE(small.hasView);
+  const std::string text = write(small);
   EXPECT_NE(text.find(R"({"kind":"pgon","color":[255,255,255,255],"normal":[0,0,1],"pts":[[0,0,0],[1,0,0],[0,1,0]]})"),
             std::string::npos)
       << text;
 }
 
 TEST(SceneDoc, ErrorsNameTheFileTheObjectTheFieldAndTheExpectation) {
-  EXPECT_EQ(errorOf(withShape(R"({"kind":"pgon","pts":"none"})")),
-            "house.json: object 1: shape 0: field \"pts\": expected an array of 3-number points");
-  EXPECT_EQ(errorOf(withShape(R"({"kind":"pgon","pts":[[0,0,0],[1,0],[0,1,0]]})")),
-            "house.json: object 1: shape 0: field \"pts\": point 1: expected a point of 3 numbers [x, y, z] but "
-            "found 2 numbers");
-  EXPECT_EQ(errorOf(withShape(R"({"kind":"circle","pts":[[0,0,0]]})")),
-            "house.json: object 1: shape 0: field \"kind\": unknown shape kind \"circle\" (expected pline, pgon, "
-            "text or face)");
-  EXPECT_EQ(errorOf(withObject(R"({"externId":3})")), "house.json: object 0: missing field \"shapes\"");
-  EXPECT_EQ(errorOf(withShape(R"({"pts":[[0,0,0],[1,0,0]]})")), "house.json: object 1: shape 0: missing field \"kind\"");
-  EXPECT_EQ(errorOf(withShape(R"({"kind":"pgon","pts":[[1e400,0,0],[1,0,0],[0,1,0]]})")),
-            "house.json: object 1: shape 0: field \"pts\": point 0: number 1e400 is out of range");
-  EXPECT_EQ(errorOf(withShape(R"({"kind":"pgon","pts":[[0,0,0],[1,0,0],[0,1,0]],"border":{"width":"2"}})")),
-            "house.json: object 1: shape 0: field \"border.width\": expected a number");
-  EXPECT_EQ(errorOf(withShape(R"({"kind":"pgon","pts":[[0,0,0],[1,0,0],[0,1,0]],"border":{"width":1e39}})")),
-            "house.json: object 1: shape 0: field \"border.width\": number 1e39 is out of range for a "
-            "single-precision value");
-  EXPECT_EQ(errorOf(withObject(R"({"externId":-1,"shapes":[]})")),
-            "house.json: object 0: field \"externId\": expected an integer from 0 to 4294967295 but found -1");
-  EXPECT_EQ(errorOf(withObject(R"({"externId":1.5,"shapes":[]})")),
-            "house.json: object 0: field \"externId\": expected an integer from 0 to 4294967295 but found 1.5");
-  EXPECT_EQ(errorOf(withObject(R"({"shapes":[]})")),
-            "house.json: object 0: field \"shapes\": an object needs at least one shape");
-}
-
-TEST(SceneDoc, RefusesShapesThatCannotBeDrawnSafely) {
   struct Case {
-    std::string shape;
+    std::string doc;
     const char* message;
   };
-  const std::string tail = R"(,"vertices":[[0,0,0],[1,0,0],[0,1,0]])";
-  const Case cases[] = {
-      {R"({"kind":"pgon","pts":[[0,0,0],[1,0,0]]})", "field \"pts\": a pgon needs at least 3 points"},
-      {R"({"kind":"pline","pts":[[0,0,0]]})", "field \"pts\": a pline needs at least 2 points"},
-      {R"({"kind":"pgon","pts":[[0,0,0],[1,0,0],[0,1,0]],"holes":[[[0,0,0],[1,0,0]]]})",
-       "field \"holes\": hole 0: a hole needs at least 3 points"},
-      {R"({"kind":"pline","pts":[[0,0,0],[1,0,0]],"holes":[]})", "field \"holes\" does not belong to a pline shape"},
-      {R"({"kind":"pgon","pts":[[0,0,0],[1,0,0],[0,1,0]],"normal":[0,0,0]})",
-       "field \"normal\": expected a direction of non-zero length"},
-      {R"({"kind":"pgon","pts":[[0,0,0],[1,0,0],[0,1,0]],"color":[0,0,256,0]})",
-       "field \"color\": expected a colour [red, green, blue, alpha] of integers 0 to 255 but found 256"},
-      {R"({"kind":"pgon","pts":[[0,0,0],[1,0,0],[0,1,0]],"color":[0,0,0]})",
-       "field \"color\": expected a colour [red, green, blue, alpha] of integers 0 to 255"},
-      {R"({"kind":"pgon","pts":[[0,0,0],[1,0,0],[0,1,0]],"tags":{"kxscene.texture":"a.png"}})",
-       "field \"tags.kxscene.texture\": the tag key is reserved for the texture file name"},
-      {R"({"kind":"pgon","pts":[[0,0,0],[1,0,0],[0,1,0]],"tags":{"a":1}})", "field \"tags.a\": expected a string"},
-      {R"({"kind":"pgon","pts":[[0,0,0],[1,0,0],[0,1,0]],"texture":""})",
-       "field \"texture\": expected a texture file name"},
-      {R"({"kind":"pgon","pts":[[0,0,0],[1,0,0],[0,1,0]],"offsets":{"zOffset":1,"scale":2}})",
-       "field \"offsets\": unknown field \"scale\""},
-      {R"({"kind":"face","triangles":[0,1,2]})", "missing field \"vertices\""},
-      {R"({"kind":"face","triangles":[0,1,3])" + tail + "}", "field \"triangles\": index 3 at position 2 is past the last of 3 vertices"},
-      {R"({"kind":"face","triangles":[0,1])" + tail + "}",
-       "field \"triangles\": expected three vertex indices per triangle, at least one triangle"},
-      {R"({"kind":"face","triangles":[0,-1,2])" + tail + "}",
-       "field \"triangles\": expected an integer from 0 to 2147483647 but found -1"},
-      {R"({"kind":"face","triangles":[0,1,2],"normals":[[0,0,1]])" + tail + "}",
-       "field \"normals\": expected one normal per vertex (3)"},
-      {R"({"kind":"face","triangles":[0,1,2],"texCoords":[[0,0],[1,0]])" + tail + "}",
-       "field \"texCoords\": expected one pair per vertex (3)"},
-      {R"({"kind":"face","triangles":[0,1,2],"pts":[[0,0,0],[1,0,0]])" + tail + "}",
-       "field \"pts\" does not belong to a face shape"},
-      {R"({"kind":"text","text":"a","height":0,"position":[0,0,0]})",
-       "field \"height\": expected a text height above 0"},
-      {R"({"kind":"text","height":1,"position":[0,0,0]})", "missing field \"text\""},
-      {R"({"kind":"pgon","pts":[[0,0,0],[1,0,0],[0,1,0]],"pts":[]})", "field \"pts\" given twice"},
-      {R"({"kind":"pgon","pts":[[0,0,0],[1,0,0],[0,1,0]],"colour":[0,0,0,0]})", "unknown field \"colour\""},
-      {R"({"kind":"pgon","pts":[[0,0,0],[1,0,0],[0,1,0]],"hitLines":[[[0,0,0]]]})",
-       "field \"hitLines\": line 0: expected at least 2 points but found 1"},
-  };
-  for (const Case& c : cases)
-    EXPECT_EQ(errorOf(withShape(c.shape)), std::string("house.json: object 1: shape 0: ") + c.message) << c.shape;
-}
-
-TEST(SceneDoc, ChecksTheHeaderViewLevelsAndStaticObjects) {
-  EXPECT_EQ(errorOf(R"({"version":1,"format":"kxscene"})"),
-            "house.json: expected the document to start with \"format\": \"kxscene\", \"version\": 1");
-  EXPECT_EQ(errorOf(R"({"format":"kxmodel","version":1})"),
-            "house.json: field \"format\": expected \"kxscene\" but found \"kxmodel\"");
-  EXPECT_EQ(errorOf(R"({"format":"kxscene","version":2})"),
-            "house.json: field \"version\": version 2 is newer than this reader, which reads version 1");
-  EXPECT_EQ(errorOf(R"([1,2])"), "house.json: expected a scene document (a JSON object)");
-  EXPECT_EQ(errorOf(R"({"format":"kxscene","version":1,"extra":0})"), "house.json: unknown field \"extra\"");
-  EXPECT_EQ(errorOf(R"({"format":"kxscene","version":1} {})"),
-            "house.json: unexpected '{' after the end of the document");
-  EXPECT_EQ(errorOf(R"({"format":"kxscene","version":1,"objects":{}})"),
-            "house.json: field \"objects\": expected an array of objects");
-
-  EXPECT_EQ(errorOf(withView(kGoodView)), "(accepted)");
-  std::string v = kGoodView;
-  EXPECT_EQ(errorOf(withView(std::string(v).replace(v.find("10"), 2, "1e16"))),
-            "house.json: field \"view.range\": expected a range from 1e-06 to 1e+15");
-  EXPECT_EQ(errorOf(withView(std::string(v).replace(v.find("[0,1,0]"), 7, "[0,0,2]"))),
-            "house.json: field \"view.camera\": the up and forward directions are parallel");
-  EXPECT_EQ(errorOf(withView(std::string(v).replace(v.find(",\"renderMode\":2"), 15, ""))),
-            "house.json: field \"view\": missing field \"renderMode\"");
-
-  EXPECT_EQ(errorOf(withObject(R"({"shapes":[{"kind":"pline","pts":[[0,0,0],[1,0,0]]}],"lod":[{"shapes":[]}]})")),
-            "house.json: object 0: level 0: missing field \"unitsPerPixel\"");
-  EXPECT_EQ(errorOf(withObject(
-                R"({"shapes":[{"kind":"pline","pts":[[0,0,0],[1,0,0]]}],"lod":[{"unitsPerPixel":1,"shapes":[{"kind":"pgon"}]}]})")),
-            "house.json: object 0: level 0: shape 0: missing field \"pts\"");
-
+  const std::string pgon = R"({"kind":"pgon","pts":[[0,0,0],[1,0,0],[0,1,0]])";
+  const std::string face = R"({"kind":"face","vertices":[[0,0,0],[1,0,0],[0,1,0]],)";
   const std::string statics = R"({"format":"kxscene","version":1,"staticObjects":[{"primitives":[)";
-  EXPECT_EQ(errorOf(statics + R"({"type":"quads","points":[[0,0,0]]}]}]})"),
-            "house.json: static object 0: primitive 0: field \"type\": unknown primitive \"quads\" (expected "
-            "points, lines, lineStrip, lineLoop, triangles, triangleStrip or triangleFan)");
-  EXPECT_EQ(errorOf(statics + R"({"type":"lines","points":[[0,0,0],[1,0,0],[2,0,0]],"colors":[[0,0,0],[1,1,1]]}]}]})"),
-            "house.json: static object 0: primitive 0: field \"colors\": expected none, one, or one per point");
-  EXPECT_EQ(errorOf(statics + R"({"type":"lines","points":[[0,0,0]],"colors":[[0,0,0,0]]}]}]})"),
-            "house.json: static object 0: primitive 0: field \"colors\": colour 0: expected a colour [red, green, "
-            "blue] of integers 0 to 255");
-  EXPECT_EQ(errorOf(statics + R"({"type":"lines"}]}]})"), "house.json: static object 0: primitive 0: missing field \"points\"");
+  const std::string view = kGoodView;
+  auto viewWith = [&view](const std::string& from, const std::string& to) {
+    return withView(std::string(view).replace(view.find(from), from.size(), to));
+  };
+  const std::string shape = "object 1: shape 0: ";
+  const Case cases[] = {
+      // The header and the document as a whole.
+      {R"({"version":1,"format":"kxscene"})",
+       "expected the document to start with \"format\": \"kxscene\", \"version\": 1"},
+      {R"({"format":"kxmodel","version":1})", "field \"format\": expected \"kxscene\" but found \"kxmodel\""},
+      {R"({"format":"kxscene","version":2})",
+       "field \"version\": version 2 is newer than this reader, which reads version 1"},
+      {R"([1,2])", "expected a scene document (a JSON object)"},
+      {R"({"format":"kxscene","version":1,"extra":0})", "unknown field \"extra\""},
+      {R"({"format":"kxscene","version":1} {})", "unexpected '{' after the end of the document"},
+      {R"({"format":"kxscene","version":1,"objects":{}})", "field \"objects\": expected an array of objects"},
+      // The view.
+      {viewWith("10", "1e16"), "field \"view.range\": expected a range from 1e-06 to 1e+15"},
+      {viewWith("[0,1,0]", "[0,0,2]"), "field \"view.camera\": the up and forward directions are parallel"},
+      {viewWith(",\"renderMode\":2", ""), "field \"view\": missing field \"renderMode\""},
+      // Objects and their levels.
+      {withObject(R"({"externId":3})"), "object 0: missing field \"shapes\""},
+      {withObject(R"({"shapes":[]})"), "object 0: field \"shapes\": an object needs at least one shape"},
+      {withObject(R"({"externId":-1,"shapes":[]})"),
+       "object 0: field \"externId\": expected an integer from 0 to 4294967295 but found -1"},
+      {withObject(R"({"externId":1.5,"shapes":[]})"),
+       "object 0: field \"externId\": expected an integer from 0 to 4294967295 but found 1.5"},
+      {withObject(R"({"shapes":[{"kind":"pline","pts":[[0,0,0],[1,0,0]]}],"lod":[{"shapes":[]}]})"),
+       "object 0: level 0: missing field \"unitsPerPixel\""},
+      {withObject(
+           R"({"shapes":[{"kind":"pline","pts":[[0,0,0],[1,0,0]]}],"lod":[{"unitsPerPixel":1,"shapes":[{"kind":"pgon"}]}]})"),
+       "object 0: level 0: shape 0: missing field \"pts\""},
+      // Shapes: types, ranges, counts, fields of other kinds.
+      {withShape(R"({"kind":"pgon","pts":"none"})"), "field \"pts\": expected an array of 3-number points"},
+      {withShape(R"({"kind":"pgon","pts":[[0,0,0],[1,0],[0,1,0]]})"),
+       "field \"pts\": point 1: expected a point of 3 numbers [x, y, z] but found 2 numbers"},
+      {withShape(R"({"kind":"circle","pts":[[0,0,0]]})"),
+       "field \"kind\": unknown shape kind \"circle\" (expected pline, pgon, text or face)"},
+      {withShape(R"({"pts":[[0,0,0],[1,0,0]]})"), "missing field \"kind\""},
+      {withShape(R"({"kind":"pgon","pts":[[1e400,0,0],[1,0,0],[0,1,0]]})"),
+       "field \"pts\": point 0: number 1e400 is out of range"},
+      {withShape(R"({"kind":"pgon","pts":[[1e-400,0,0],[1,0,0],[0,1,0]]})"),
+       "field \"pts\": point 0: number 1e-400 is out of range"},
+      {withShape(pgon + R"(,"border":{"width":"2"}})"), "field \"border.width\": expected a number"},
+      {withShape(pgon + R"(,"border":{"width":1e39}})"),
+       "field \"border.width\": number 1e39 is out of range for a single-precision value"},
+      {withShape(R"({"kind":"pgon","pts":[[0,0,0],[1,0,0]]})"), "field \"pts\": a pgon needs at least 3 points"},
+      {withShape(R"({"kind":"pline","pts":[[0,0,0]]})"), "field \"pts\": a pline needs at least 2 points"},
+      {withShape(pgon + R"(,"holes":[[[0,0,0],[1,0,0]]]})"), "field \"holes\": hole 0: a hole needs at least 3 points"},
+      {withShape(R"({"kind":"pline","pts":[[0,0,0],[1,0,0]],"holes":[]})"),
+       "field \"holes\" does not belong to a pline shape"},
+      {withShape(pgon + R"(,"normal":[0,0,0]})"), "field \"normal\": expected a direction of non-zero length"},
+      {withShape(pgon + R"(,"color":[0,0,256,0]})"),
+       "field \"color\": expected a colour [red, green, blue, alpha] of integers 0 to 255 but found 256"},
+      {withShape(pgon + R"(,"color":[0,0,0]})"),
+       "field \"color\": expected a colour [red, green, blue, alpha] of integers 0 to 255"},
+      {withShape(pgon + R"(,"tags":{"kxscene.texture":"a.png"}})"),
+       "field \"tags.kxscene.texture\": the tag key is reserved for the texture file name"},
+      {withShape(pgon + R"(,"tags":{"a":1}})"), "field \"tags.a\": expected a string"},
+      {withShape(pgon + R"(,"texture":""})"), "field \"texture\": expected a texture file name"},
+      {withShape(pgon + R"(,"offsets":{"zOffset":1,"scale":2}})"), "field \"offsets\": unknown field \"scale\""},
+      {withShape(pgon + R"(,"pts":[]})"), "field \"pts\" given twice"},
+      {withShape(pgon + R"(,"colour":[0,0,0,0]})"), "unknown field \"colour\""},
+      {withShape(pgon + R"(,"hitLines":[[[0,0,0]]]})"),
+       "field \"hitLines\": line 0: expected at least 2 points but found 1"},
+      {withShape(R"({"kind":"face","triangles":[0,1,2]})"), "missing field \"vertices\""},
+      {withShape(face + R"("triangles":[0,1,3]})"),
+       "field \"triangles\": index 3 at position 2 is past the last of 3 vertices"},
+      {withShape(face + R"("triangles":[0,1]})"),
+       "field \"triangles\": expected three vertex indices per triangle, at least one triangle"},
+      {withShape(face + R"("triangles":[0,-1,2]})"),
+       "field \"triangles\": expected an integer from 0 to 2147483647 but found -1"},
+      {withShape(face + R"("triangles":[0,1,2],"normals":[[0,0,1]]})"),
+       "field \"normals\": expected one normal per vertex (3)"},
+      {withShape(face + R"("triangles":[0,1,2],"texCoords":[[0,0],[1,0]]})"),
+       "field \"texCoords\": expected one pair per vertex (3)"},
+      {withShape(face + R"("triangles":[0,1,2],"pts":[[0,0,0],[1,0,0]]})"),
+       "field \"pts\" does not belong to a face shape"},
+      {withShape(R"({"kind":"text","text":"a","height":0,"position":[0,0,0]})"),
+       "field \"height\": expected a text height above 0"},
+      {withShape(R"({"kind":"text","height":1,"position":[0,0,0]})"), "missing field \"text\""},
+      // Static objects.
+      {statics + R"({"type":"quads","points":[[0,0,0]]}]}]})",
+       "static object 0: primitive 0: field \"type\": unknown primitive \"quads\" (expected points, lines, lineStrip, "
+       "lineLoop, triangles, triangleStrip or triangleFan)"},
+      {statics + R"({"type":"lines","points":[[0,0,0],[1,0,0],[2,0,0]],"colors":[[0,0,0],[1,1,1]]}]}]})",
+       "static object 0: primitive 0: field \"colors\": expected none, one, or one per point"},
+      {statics + R"({"type":"lines","points":[[0,0,0]],"colors":[[0,0,0,0]]}]}]})",
+       "static object 0: primitive 0: field \"colors\": colour 0: expected a colour [red, green, blue] of integers 0 "
+       "to 255"},
+      {statics + R"({"type":"lines"}]}]})", "static object 0: primitive 0: missing field \"points\""},
+  };
+  EXPECT_EQ(errorOf(withView(kGoodView)), "(accepted)");
+  for (const Case& c : cases) {
+    // Shape errors are all in the second object's only shape.
+    const bool inShape = c.doc.find(R"({"externId":5,"shapes":[)") != std::string::npos;
+    EXPECT_EQ(errorOf(c.doc), "house.json: " + (inShape ? shape : std::string()) + c.message) << c.doc;
+  }
 }
 
-TEST(SceneDoc, TruncationAtAnyPointIsAnErrorWithAPosition) {
+TEST(SceneDoc, ErrorPositionIsTheOffendingValueAndEveryTruncationHasOne) {
+  SceneDoc doc;
+  std::string error;
+  ASSERT_FALSE(parse("{\"format\": \"kxscene\", \"version\": 1,\n\"objects\": [\n  {\"shapes\": 12}\n]}", doc, error));
+  EXPECT_EQ(error, "house.json: object 0: field \"shapes\": expected an array of shapes (line 3, column 14)");
   // Every proper prefix of a valid file is refused, whatever it cuts.
   const std::string full = kFullScene;
   const std::string trimmed = full.substr(0, full.find_last_not_of("\n") + 1);
   for (size_t n = 0; n < trimmed.size(); ++n) {
-    SceneDoc doc;
-    std::string error;
     ASSERT_FALSE(parse(trimmed.substr(0, n), doc, error)) << "prefix of " << n << " bytes accepted";
     ASSERT_EQ(error.rfind("house.json: ", 0), 0u) << error;
     ASSERT_NE(error.find(" (line "), std::string::npos) << error;
@@ -362,39 +299,22 @@ TEST(SceneDoc, TruncationAtAnyPointIsAnErrorWithAPosition) {
             "house.json: object 0: shape 0: field \"pts\": point 1: expected ',' or ']' but found the end of the file");
 }
 
-TEST(SceneDoc, ErrorPositionIsTheOffendingValue) {
-  SceneDoc doc;
-  std::string error;
-  const std::string text = "{\"format\": \"kxscene\", \"version\": 1,\n\"objects\": [\n  {\"shapes\": 12}\n]}";
-  ASSERT_FALSE(parse(text, doc, error));
-  EXPECT_EQ(error, "house.json: object 0: field \"shapes\": expected an array of shapes (line 3, column 14)");
-}
-
 TEST(SceneDoc, DamagedDocumentsAreRefusedOrReadWhole) {
   // Seeded damage to a valid document: bytes changed, dropped or doubled.
   // Every outcome is a clean refusal with a located message, or a document
   // that writes out and reads back the same.
-  const std::string full = kFullScene;
   uint32_t state = 12345;
   auto next = [&state] { return state = state * 1664525u + 1013904223u; };
   const char alphabet[] = "{}[],:\"0123456789.-+eE \\tfnrua";
   size_t refused = 0, accepted = 0;
   for (int round = 0; round < 3000; ++round) {
-    std::string text = full;
-    const int edits = 1 + int(next() % 3);
-    for (int e = 0; e < edits; ++e) {
+    std::string text = kFullScene;
+    for (int e = 0, edits = 1 + int(next() % 3); e < edits; ++e) {
       const size_t at = next() % text.size();
-      switch (next() % 3) {
-        case 0:
-          text[at] = alphabet[next() % (sizeof alphabet - 1)];
-          break;
-        case 1:
-          text.erase(at, 1 + next() % 4);
-          break;
-        default:
-          text.insert(at, text.substr(at, 1 + next() % 8));
-          break;
-      }
+      const uint32_t how = next() % 3;
+      if (how == 0) text[at] = alphabet[next() % (sizeof alphabet - 1)];
+      if (how == 1) text.erase(at, 1 + next() % 4);
+      if (how == 2) text.insert(at, text.substr(at, 1 + next() % 8));
       if (text.empty()) text = "x";
     }
     SceneDoc doc;
