@@ -62,13 +62,8 @@ TEST(AcGeBoundBlock3dTest, EmptyUntilExtendedAndNaNBoundsNothing) {
   EXPECT_TRUE(lo.isEqualTo(AcGePoint3d(1, -2, 0)) && hi.isEqualTo(AcGePoint3d(5, 2, 3)));
 }
 
-TEST(AcGePoint3dTest, ArithmeticAndEquality) {
-  AcGePoint3d p(1, 2, 3), q(4, 6, 3);
-  AcGeVector3d d = q - p;
-  expectNear(d, AcGeVector3d(3, 4, 0), 0);
-  EXPECT_DOUBLE_EQ(p.distanceTo(q), 5.0);
-  expectNear(p + d * 2.0, AcGePoint3d(7, 10, 3), 0);
-  EXPECT_TRUE(AcGePoint3d::kOrigin.isEqualTo(AcGePoint3d()));
+TEST(AcGePoint3dTest, EqualityWithinTolerance) {
+  AcGePoint3d p(1, 2, 3);
   AcGeTol tol;
   tol.setEqualPoint(0.5);
   EXPECT_TRUE(p.isEqualTo(AcGePoint3d(1.4, 2, 3), tol));
