@@ -168,18 +168,15 @@ TEST(RobustnessTest, UtilitiesRefuseBadInput) {
   for (const AcGePoint3d& p : badPoints()) {
     if (std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z)) continue;
     EXPECT_FALSE(U::ptIntersectWithLine(p, AcGePoint3d(), AcGePoint3d(1, 0, 0), out, 1e-6));
-    EXPECT_FALSE(
-        U::plineIntersectWithLine({p, AcGePoint3d(1, 1, 0)}, AcGePoint3d(0, 1, 0), AcGePoint3d(1, 0, 0), out, 1e-6));
-    EXPECT_FALSE(
-        U::rayIntersectWithSeg(p, AcGeVector3d(1, 0, 0), AcGePoint3d(1, -1, 0), AcGePoint3d(1, 1, 0), out, 1e-6));
-    EXPECT_FALSE(U::rayIntersectWithTriangle(p, AcGeVector3d(0, 0, 1), AcGePoint3d(), AcGePoint3d(1, 0, 0),
-                                             AcGePoint3d(0, 1, 0), &out));
+    EXPECT_FALSE(U::plineIntersectWithLine({p, AcGePoint3d(1, 1, 0)}, AcGePoint3d(0, 1, 0), AcGePoint3d(1, 0, 0), out, 1e-6));
+    EXPECT_FALSE(U::rayIntersectWithSeg(p, AcGeVector3d(1, 0, 0), AcGePoint3d(1, -1, 0), AcGePoint3d(1, 1, 0), out, 1e-6));
+    EXPECT_FALSE(U::rayIntersectWithTriangle(p, AcGeVector3d(0, 0, 1), AcGePoint3d(), AcGePoint3d(1, 0, 0), AcGePoint3d(0, 1, 0), &out));
     EXPECT_FALSE(U::rayIntersectWithBox(p, AcGeVector3d(1, 0, 0), AcGePoint3d(), AcGePoint3d(1, 1, 1), &out));
     // Only x and y take part in the area test.
     bool flatBad = !std::isfinite(p.x) || !std::isfinite(p.y);
     EXPECT_EQ(U::PtInArea(p, {AcGePoint3d(), AcGePoint3d(1, 0, 0), AcGePoint3d(0, 1, 0)}, 1e-6, true), !flatBad);
-    EXPECT_FALSE(U::faceIntersectWithLine({AcGePoint3d(), AcGePoint3d(1, 0, 0), AcGePoint3d(0, 1, 0)},
-                                          AcGeVector3d::kZAxis, p, AcGeVector3d(0, 0, -1), out, 1e-6));
+    EXPECT_FALSE(U::faceIntersectWithLine({AcGePoint3d(), AcGePoint3d(1, 0, 0), AcGePoint3d(0, 1, 0)}, AcGeVector3d::kZAxis,
+                                          p, AcGeVector3d(0, 0, -1), out, 1e-6));
     std::vector<AcGePoint3d> pts;
     AcGeLineSeg3d seg(p, AcGePoint3d(1, 1, 1));
     AcGeCircArc3d arc;
