@@ -21,6 +21,11 @@ AcGeBoundBlock3d& AcGeBoundBlock3d::extend(const AcGePoint3d& pnt) {
   return *this;
 }
 
+AcGeBoundBlock3d& AcGeBoundBlock3d::extend(const AcGeBoundBlock3d& other) {
+  if (other.isEmpty()) return *this;
+  return extend(other.mMin).extend(other.mMax);
+}
+
 AcGeBoundBlock3d& AcGeBoundBlock3d::swell(double distance) {
   if (isEmpty() || !std::isfinite(distance)) return *this;
   mMin -= AcGeVector3d(distance, distance, distance);

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "kxrender/AcGeBoundBlock3d.h"
 #include "kxrender/AcGeLineSeg2d.h"
 #include "kxrender/AcGeMatrix3d.h"
 #include "kxrender/AcGePlane.h"
@@ -17,12 +18,10 @@ double CRenderSysUtils::getDist(const AcGePoint3d& a, const AcGePoint3d& b) { re
 
 void CRenderSysUtils::getMinMaxPt(const std::vector<AcGePoint3d>& points, AcGePoint3d& minPt, AcGePoint3d& maxPt) {
   if (points.empty()) return;
-  minPt = maxPt = points[0];
-  for (const AcGePoint3d& p : points)
-    for (int i = 0; i < 3; ++i) {
-      minPt[i] = std::min(minPt[i], p[i]);
-      maxPt[i] = std::max(maxPt[i], p[i]);
-    }
+  // Started from the first point, so a NaN there stays in the result.
+  AcGeBoundBlock3d box(points[0], points[0]);
+  for (const AcGePoint3d& p : points) box.extend(p);
+  box.getMinMaxPoints(minPt, maxPt);
 }
 
 void CRenderSysUtils::getSphere(const AcGePoint3d& minPt, const AcGePoint3d& maxPt, AcGePoint3d& center,

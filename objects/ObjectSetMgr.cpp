@@ -5,6 +5,7 @@
 #include <cmath>
 #include <exception>
 
+#include "kxrender/AcGeBoundBlock3d.h"
 #include "kxrender/CSceneMgr.h"
 #include "objects/ObjectSearchTree.h"
 #include "support/GLTable.h"
@@ -18,11 +19,6 @@ class CObjectIdExhausted : public std::exception {
 };
 
 bool boxTooSmall(const AcGePoint3d& lo, const AcGePoint3d& hi) { return !((hi - lo).length() >= 1e-8); }
-
-void widen(AcGePoint3d& lo, AcGePoint3d& hi, const AcGePoint3d& a, const AcGePoint3d& b) {
-  lo.x = std::min(lo.x, a.x), lo.y = std::min(lo.y, a.y), lo.z = std::min(lo.z, a.z);
-  hi.x = std::max(hi.x, b.x), hi.y = std::max(hi.y, b.y), hi.z = std::max(hi.z, b.z);
-}
 
 }  // namespace
 
@@ -182,28 +178,22 @@ void CObjectSetMgr::setStaticObjectVisible(unsigned id, bool visible) {
 // false when nothing qualifies.
 static bool measure(const std::map<unsigned, CRenderObject*>& objects, const std::vector<CStaticObject*>& statics,
                     AcGePoint3d& lo, AcGePoint3d& hi) {
-  bool any = false;
+  AcGeBoundBlock3d box;
   for (const auto& kv : objects) {
     const CRenderObject* o = kv.second;
     if (!o || o->numShp() == 0 || boxTooSmall(o->ptMin(), o->ptMax())) continue;
-    if (!any) {
-      lo = o->ptMin(), hi = o->ptMax(), any = true;
-    } else {
-      widen(lo, hi, o->ptMin(), o->ptMax());
-    }
+    box.extend(AcGeBoundBlock3d(o->ptMin(), o->ptMax()));
   }
   for (const CStaticObject* s : statics) {
     if (!s) continue;
     AcGePoint3d a, b;
     s->getBox(a, b);
     if (boxTooSmall(a, b)) continue;
-    if (!any) {
-      lo = a, hi = b, any = true;
-    } else {
-      widen(lo, hi, a, b);
-    }
+    box.extend(AcGeBoundBlock3d(a, b));
   }
-  return any;
+  if (box.isEmpty()) return false;
+  box.getMinMaxPoints(lo, hi);
+  return true;
 }
 
 void CObjectSetMgr::calBox() {

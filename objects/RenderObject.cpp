@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "kxrender/AcGeBoundBlock3d.h"
 #include "kxrender/CObjectSetMgr.h"
 #include "kxrender/CRenderObject.h"
-#include "objects/BoxWiden.h"
 #include "kxrender/CSceneMgr.h"
 
 namespace {
@@ -26,21 +26,6 @@ bool hasExtent(const CRenderShape& s) {
       return (s.getFaceVertexArray() && !s.getFaceVertexArray()->empty()) || !s.getPts().empty();
     default:
       return !s.getPts().empty();
-  }
-}
-
-using kxobjects::widen;
-
-void widenByBox(AcGePoint3d& lo, AcGePoint3d& hi, const AcGePoint3d& a, const AcGePoint3d& b,
-                const AcGeMatrix3d* m, bool& first) {
-  if (!m) {
-    widen(lo, hi, a, first);
-    widen(lo, hi, b, first);
-    return;
-  }
-  for (int c = 0; c < 8; ++c) {
-    const AcGePoint3d corner((c & 1) ? b.x : a.x, (c & 2) ? b.y : a.y, (c & 4) ? b.z : a.z);
-    widen(lo, hi, *m * corner, first);
   }
 }
 
@@ -174,8 +159,7 @@ void CRenderObject::endAddShape() {
 void CRenderObject::calBox() {
   // Instanced shapes are seen only through their matrices; measuring them
   // there keeps culling right for objects drawn by instancing.
-  bool first = true;
-  AcGePoint3d lo, hi;
+  AcGeBoundBlock3d box;
   std::vector<AcGeMatrix3d> mats;
   for (const CSimpleMatrix* m : m_smpMats)
     if (m) mats.push_back(m->GetAcgeMatrix());
@@ -185,12 +169,13 @@ void CRenderObject::calBox() {
     AcGePoint3d a, b;
     s.getBox(a, b);
     if (i < m_exaGeoShapNum && !mats.empty()) {
-      for (const AcGeMatrix3d& m : mats) widenByBox(lo, hi, a, b, &m, first);
+      for (const AcGeMatrix3d& m : mats) box.extend(AcGeBoundBlock3d(a, b).transformBy(m));
     } else {
-      widenByBox(lo, hi, a, b, nullptr, first);
+      box.extend(a).extend(b);
     }
   }
-  if (first) lo = hi = AcGePoint3d();
+  AcGePoint3d lo, hi;
+  if (!box.isEmpty()) box.getMinMaxPoints(lo, hi);
   m_ptMin = lo;
   m_ptMax = hi;
   m_ptCenter = lo + (hi - lo) * 0.5;

@@ -8,11 +8,8 @@
 #include "kxrender/AcGePlane.h"
 #include "kxrender/CObjectSetMgr.h"
 #include "kxrender/CRenderObject.h"
-#include "objects/BoxWiden.h"
 
 namespace {
-
-using kxobjects::widen;
 
 void deleteCurves(std::vector<AcGeCurve3d*>& curves) {
   for (AcGeCurve3d* c : curves) delete c;
@@ -94,17 +91,17 @@ void CRenderObject::transformBy(const AcGeMatrix3d& m) {
   }
   calBox();
   // Bounds of the exact data: its points and its curves' bounding blocks.
-  bool first = true;
-  AcGePoint3d lo, hi;
-  for (const AcGePoint3d& p : m_snapPointsExa) widen(lo, hi, p, first);
+  AcGeBoundBlock3d box;
+  for (const AcGePoint3d& p : m_snapPointsExa) box.extend(p);
   for (const AcGeCurve3d* c : m_snapCurvesExa) {
     if (!c) continue;
     AcGePoint3d a, b;
     c->boundBlock().getMinMaxPoints(a, b);
-    widen(lo, hi, a, first);
-    widen(lo, hi, b, first);
+    box.extend(a).extend(b);
   }
-  if (!first) {
+  if (!box.isEmpty()) {
+    AcGePoint3d lo, hi;
+    box.getMinMaxPoints(lo, hi);
     m_snapExaCenter = lo + (hi - lo) * 0.5;
     m_snapExaRadius = static_cast<float>(m_snapExaCenter.distanceTo(lo));
   }
@@ -112,16 +109,17 @@ void CRenderObject::transformBy(const AcGeMatrix3d& m) {
 
 void CRenderObject::updateSnapExaSphere() {
   if (m_snapPointsExa.empty() && m_snapCurvesExa.empty()) return;
-  bool first = true;
-  AcGePoint3d lo, hi;
-  for (const AcGePoint3d& p : m_snapPointsExa) widen(lo, hi, p, first);
+  AcGeBoundBlock3d box;
+  for (const AcGePoint3d& p : m_snapPointsExa) box.extend(p);
   for (const AcGeCurve3d* c : m_snapCurvesExa) {
     if (!c) continue;
     AcArray<AcGePoint3d> samples;
     c->getSamplePoints(16, samples);
-    for (int i = 0; i < samples.length(); ++i) widen(lo, hi, samples[i], first);
+    for (int i = 0; i < samples.length(); ++i) box.extend(samples[i]);
   }
-  if (first) return;
+  if (box.isEmpty()) return;
+  AcGePoint3d lo, hi;
+  box.getMinMaxPoints(lo, hi);
   m_snapExaCenter = lo + (hi - lo) * 0.5;
   // Half the diagonal: a sphere that holds the whole box.
   m_snapExaRadius = static_cast<float>(m_snapExaCenter.distanceTo(lo));

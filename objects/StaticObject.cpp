@@ -1,5 +1,7 @@
 #include "kxrender/CStaticObject.h"
 
+#include "kxrender/AcGeBoundBlock3d.h"
+
 #include "support/GLTable.h"
 
 CStaticObject::CStaticObject() : m_renderList(kgl->GenLists(1)) {}
@@ -44,18 +46,12 @@ void CStaticObject::end() { kgl->End(); }
 
 void CStaticObject::point(double x, double y, double z) {
   kgl->Vertex3d(x, y, z);
-  if (m_firstPoint) {
-    m_boxMin.set(x, y, z);
-    m_boxMax.set(x, y, z);
-    m_firstPoint = false;
-    return;
-  }
-  if (x < m_boxMin.x) m_boxMin.x = x;
-  if (y < m_boxMin.y) m_boxMin.y = y;
-  if (z < m_boxMin.z) m_boxMin.z = z;
-  if (x > m_boxMax.x) m_boxMax.x = x;
-  if (y > m_boxMax.y) m_boxMax.y = y;
-  if (z > m_boxMax.z) m_boxMax.z = z;
+  // The first point of a build starts the box afresh.
+  const AcGePoint3d p(x, y, z);
+  AcGeBoundBlock3d box(p, p);
+  if (!m_firstPoint) box.set(m_boxMin, m_boxMax).extend(p);
+  m_firstPoint = false;
+  box.getMinMaxPoints(m_boxMin, m_boxMax);
 }
 
 void CStaticObject::normal(float x, float y, float z) { kgl->Normal3f(x, y, z); }

@@ -3,6 +3,7 @@
 #include <limits>
 #include <cmath>
 
+#include "kxrender/AcGeBoundBlock3d.h"
 #include "kxrender/CRenderShape.h"
 #include "kxrender/CRenderSysUtils.h"
 #include "shapes/TextPlacement.h"
@@ -10,22 +11,13 @@
 namespace {
 bool isFinite(const AcGePoint3d& p) { return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z); }
 
-// Grows [lo, hi] by p; `any` says whether the box holds a point yet.
-// Non-finite points are left out: one bad coordinate must not make the
-// box, and with it culling and picking, meaningless.
-void extend(const AcGePoint3d& p, bool& any, AcGePoint3d& lo, AcGePoint3d& hi, bool& broken) {
-  if (!isFinite(p)) {
+// Grows the box by p. Non-finite points are left out of it and only
+// flagged: the caller turns a flagged box into an unusable one.
+void extend(const AcGePoint3d& p, AcGeBoundBlock3d& box, bool& broken) {
+  if (isFinite(p)) {
+    box.extend(p);
+  } else {
     broken = true;
-    return;
-  }
-  if (!any) {
-    lo = hi = p;
-    any = true;
-    return;
-  }
-  for (int i = 0; i < 3; ++i) {
-    lo[i] = std::min(lo[i], p[i]);
-    hi[i] = std::max(hi[i], p[i]);
   }
 }
 }  // namespace
@@ -57,16 +49,18 @@ void CRenderShape::calArea() {
 // to cover counts. Without points the box is the origin.
 void CRenderShape::calBox() {
   m_boxMin = m_boxMax = AcGePoint3d::kOrigin;
-  bool any = false, broken = false;
+  AcGeBoundBlock3d box;
+  bool broken = false;
   if (m_type == kFace && m_meshVertices && !m_meshVertices->empty()) {
-    for (const AcGePoint3d& p : *m_meshVertices) extend(p, any, m_boxMin, m_boxMax, broken);
+    for (const AcGePoint3d& p : *m_meshVertices) extend(p, box, broken);
   } else if (m_type == kText && m_textInfo) {
     AcGePoint3d corners[4];
     textBoxCorners(*m_textInfo, corners);
-    for (const AcGePoint3d& p : corners) extend(p, any, m_boxMin, m_boxMax, broken);
+    for (const AcGePoint3d& p : corners) extend(p, box, broken);
   } else {
-    for (const AcGePoint3d& p : m_pts) extend(p, any, m_boxMin, m_boxMax, broken);
+    for (const AcGePoint3d& p : m_pts) extend(p, box, broken);
   }
+  if (!box.isEmpty()) box.getMinMaxPoints(m_boxMin, m_boxMax);
   // A point that is not finite makes the box unusable on purpose: objects
   // drop such shapes when they are completed.
   if (broken) {

@@ -2,8 +2,10 @@
 #include "kxrender/AcGeEntity3d.h"
 #include "kxrender/Export.h"
 
-// Axis-aligned box. A default box is empty (it holds no point) until
-// extended.
+// Axis-aligned box, the one box type of the engine. A default box is empty:
+// it holds no point, its minimum is +inf and its maximum -inf on every axis,
+// so that the first point it is extended by becomes the whole box. A box
+// with a NaN bound is unusable: isEmpty() is true for it.
 class KXRENDER_API AcGeBoundBlock3d : public AcGeEntity3d {
 public:
   AcGeBoundBlock3d();
@@ -15,7 +17,11 @@ public:
 
   // The box spanned by two opposite corners, in any order.
   AcGeBoundBlock3d& set(const AcGePoint3d& p1, const AcGePoint3d& p2);
+  // Grows the box to hold pnt; a NaN coordinate bounds nothing and is
+  // skipped, while a NaN bound already in the box stays.
   AcGeBoundBlock3d& extend(const AcGePoint3d& pnt);
+  // Grows the box to hold other; an empty (or unusable) other adds nothing.
+  AcGeBoundBlock3d& extend(const AcGeBoundBlock3d& other);
   AcGeBoundBlock3d& swell(double distance);
   void getMinMaxPoints(AcGePoint3d& minPoint, AcGePoint3d& maxPoint) const { minPoint = mMin; maxPoint = mMax; }
   bool isEmpty() const { return !(mMin.x <= mMax.x && mMin.y <= mMax.y && mMin.z <= mMax.z); }

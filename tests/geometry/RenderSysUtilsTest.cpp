@@ -12,6 +12,8 @@
 #include "kxrender/AcGeLineSeg3d.h"
 #include "kxrender/AcGeMatrix3d.h"
 #include "kxrender/AcGeNurbCurve3d.h"
+#include "kxrender/CPoint.h"
+#include "kxrender/CRect.h"
 #include "kxrender/CRenderSysUtils.h"
 #include "kxrender/CString.h"
 #include "kxrender/CStringArray.h"
@@ -22,7 +24,8 @@ using U = CRenderSysUtils;
 namespace {
 
 std::vector<AcGePoint3d> square(bool ccw, bool closed) {
-  std::vector<AcGePoint3d> pts = {AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0), AcGePoint3d(1, 1, 0), AcGePoint3d(0, 1, 0)};
+  std::vector<AcGePoint3d> pts = {AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0), AcGePoint3d(1, 1, 0),
+                                  AcGePoint3d(0, 1, 0)};
   if (!ccw) std::reverse(pts.begin(), pts.end());
   if (closed) pts.push_back(pts[0]);
   return pts;
@@ -30,21 +33,20 @@ std::vector<AcGePoint3d> square(bool ccw, bool closed) {
 
 }  // namespace
 
-TEST(RenderSysUtilsTest, PrecisionAndFloatComp) {
-  EXPECT_EQ(U::PRECISION, 1e-6);
-  EXPECT_EQ(U::floatComp(1.0, 1.0 + 1e-7, 1e-6), 0);
-  EXPECT_EQ(U::floatComp(1.0, 0.9, 1e-6), 1);
-  EXPECT_EQ(U::floatComp(0.9, 1.0, 1e-6), -1);
-  EXPECT_EQ(U::floatComp(1.0, 1.0 + 1e-6, 1e-6), 0);  // |d| == tol is equal
-}
-
-TEST(RenderSysUtilsTest, MidDistBoundsSphere) {
-  EXPECT_TRUE(U::getMidPoint(AcGePoint3d(0, 2, 4), AcGePoint3d(2, 4, 8)).isEqualTo(AcGePoint3d(1, 3, 6)));
-  EXPECT_DOUBLE_EQ(U::getDist(AcGePoint3d(1, 1, 1), AcGePoint3d(4, 5, 1)), 5.0);
+TEST(RenderSysUtilsTest, FloatCompBoundsAndSphere) {
+  // |d| == tol is equal.
+  const double cases[][3] = {{1.0, 1.0 + 1e-7, 0}, {1.0, 0.9, 1}, {0.9, 1.0, -1}, {1.0, 1.0 + 1e-6, 0}};
+  for (const auto& c : cases) EXPECT_EQ(U::floatComp(c[0], c[1], 1e-6), int(c[2])) << c[0] << " " << c[1];
+  // The box starts from the first point: untouched for no points, and a NaN
+  // there stays; a NaN later is skipped.
   AcGePoint3d lo(9, 9, 9), hi(9, 9, 9);
-  U::getMinMaxPt({AcGePoint3d(1, 5, -2), AcGePoint3d(3, -1, 0), AcGePoint3d(2, 2, 7)}, lo, hi);
+  U::getMinMaxPt({}, lo, hi);
+  EXPECT_TRUE(lo.isEqualTo(AcGePoint3d(9, 9, 9)));
+  U::getMinMaxPt({AcGePoint3d(1, 5, -2), AcGePoint3d(3, -1, NAN), AcGePoint3d(2, 2, 7)}, lo, hi);
   EXPECT_TRUE(lo.isEqualTo(AcGePoint3d(1, -1, -2)));
   EXPECT_TRUE(hi.isEqualTo(AcGePoint3d(3, 5, 7)));
+  U::getMinMaxPt({AcGePoint3d(NAN, 0, 0), AcGePoint3d(1, 1, 1)}, lo, hi);
+  EXPECT_TRUE(std::isnan(lo.x) && std::isnan(hi.x) && hi.y == 1.0);
   AcGePoint3d c;
   float r = 0;
   U::getSphere(AcGePoint3d(0, 0, 0), AcGePoint3d(2, 2, 1), c, r);
@@ -101,7 +103,8 @@ TEST(RenderSysUtilsTest, CvtClockReversesOnlyTheOrder) {
   U::cvtClock(again, -AcGeVector3d::kZAxis, true);
   EXPECT_TRUE(again[1].isEqualTo(original[1]));  // already clockwise from below
   // A vertical face.
-  std::vector<AcGePoint3d> wall = {AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0), AcGePoint3d(1, 0, 1), AcGePoint3d(0, 0, 1)};
+  std::vector<AcGePoint3d> wall = {AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0), AcGePoint3d(1, 0, 1),
+                                   AcGePoint3d(0, 0, 1)};
   std::vector<AcGePoint3d> w2 = wall;
   U::cvtClock(w2, AcGeVector3d(0, -1, 0), false);
   EXPECT_TRUE(w2[1].isEqualTo(wall[1]));
@@ -110,7 +113,8 @@ TEST(RenderSysUtilsTest, CvtClockReversesOnlyTheOrder) {
 }
 
 TEST(RenderSysUtilsTest, CalPolyAreaInOwnPlane) {
-  std::vector<AcGePoint3d> wall = {AcGePoint3d(0, 0, 0), AcGePoint3d(2, 0, 0), AcGePoint3d(2, 0, 3), AcGePoint3d(0, 0, 3)};
+  std::vector<AcGePoint3d> wall = {AcGePoint3d(0, 0, 0), AcGePoint3d(2, 0, 0), AcGePoint3d(2, 0, 3),
+                                   AcGePoint3d(0, 0, 3)};
   EXPECT_NEAR(U::calPolyArea(wall), 6.0, 1e-14);
   AcGeMatrix3d m = AcGeMatrix3d::rotation(0.7, AcGeVector3d(1, 2, 3), AcGePoint3d(1e6, -1e6, 5e5));
   for (AcGePoint3d& p : wall) p.transformBy(m);
@@ -119,64 +123,68 @@ TEST(RenderSysUtilsTest, CalPolyAreaInOwnPlane) {
 }
 
 TEST(RenderSysUtilsTest, PointAndPolylineAgainstSegment) {
+  using P = AcGePoint3d;
   AcGePoint3d out;
-  EXPECT_TRUE(U::ptIntersectWithLine(AcGePoint3d(1, 0.0009, 0), AcGePoint3d(0, 0, 0), AcGePoint3d(2, 0, 0), out, 0.001));
-  EXPECT_TRUE(out.isEqualTo(AcGePoint3d(1, 0.0009, 0)));
-  EXPECT_FALSE(U::ptIntersectWithLine(AcGePoint3d(1, 0.0011, 0), AcGePoint3d(0, 0, 0), AcGePoint3d(2, 0, 0), out, 0.001));
+  EXPECT_TRUE(U::ptIntersectWithLine(P(1, 0.0009, 0), P(0, 0, 0), P(2, 0, 0), out, 0.001));
+  EXPECT_TRUE(out.isEqualTo(P(1, 0.0009, 0)));
+  EXPECT_FALSE(U::ptIntersectWithLine(P(1, 0.0011, 0), P(0, 0, 0), P(2, 0, 0), out, 0.001));
 
-  std::vector<AcGePoint3d> pline = {AcGePoint3d(0, 0, 0), AcGePoint3d(2, 0, 0), AcGePoint3d(2, 2, 0)};
-  EXPECT_FALSE(U::plineIntersectWithLine({}, AcGePoint3d(), AcGePoint3d(1, 1, 1), out, 1e-6));
-  ASSERT_TRUE(U::plineIntersectWithLine(pline, AcGePoint3d(3, 1, 0), AcGePoint3d(1, 1, 0), out, 1e-6));
-  EXPECT_TRUE(out.isEqualTo(AcGePoint3d(2, 1, 0)));
+  const std::vector<P> pline = {P(0, 0, 0), P(2, 0, 0), P(2, 2, 0)};
+  EXPECT_FALSE(U::plineIntersectWithLine({}, P(), P(1, 1, 1), out, 1e-6));
+  ASSERT_TRUE(U::plineIntersectWithLine(pline, P(3, 1, 0), P(1, 1, 0), out, 1e-6));
+  EXPECT_TRUE(out.isEqualTo(P(2, 1, 0)));
   // The first segment in order wins.
-  ASSERT_TRUE(U::plineIntersectWithLine(pline, AcGePoint3d(1, -1, 0), AcGePoint3d(3, 1, 0), out, 1e-6));
-  EXPECT_TRUE(out.isEqualTo(AcGePoint3d(2, 0, 0)));
-  ASSERT_TRUE(U::plineIntersectWithLine({AcGePoint3d(1, 1, 1)}, AcGePoint3d(0, 0, 0), AcGePoint3d(2, 2, 2), out, 1e-6));
-  EXPECT_TRUE(out.isEqualTo(AcGePoint3d(1, 1, 1)));
+  ASSERT_TRUE(U::plineIntersectWithLine(pline, P(1, -1, 0), P(3, 1, 0), out, 1e-6));
+  EXPECT_TRUE(out.isEqualTo(P(2, 0, 0)));
+  ASSERT_TRUE(U::plineIntersectWithLine({P(1, 1, 1)}, P(0, 0, 0), P(2, 2, 2), out, 1e-6));
+  EXPECT_TRUE(out.isEqualTo(P(1, 1, 1)));
 }
 
 TEST(RenderSysUtilsTest, RayAgainstSegmentAndTriangle) {
+  using P = AcGePoint3d;
+  using V = AcGeVector3d;
   AcGePoint3d out;
-  EXPECT_TRUE(U::rayIntersectWithSeg(AcGePoint3d(0, 0, 0), AcGeVector3d(1, 0, 0), AcGePoint3d(3, -1, 0),
-                                     AcGePoint3d(3, 1, 0), out, 1e-6));
-  EXPECT_TRUE(out.isEqualTo(AcGePoint3d(3, 0, 0)));
-  EXPECT_FALSE(U::rayIntersectWithSeg(AcGePoint3d(0, 0, 0), AcGeVector3d(-1, 0, 0), AcGePoint3d(3, -1, 0),
-                                      AcGePoint3d(3, 1, 0), out, 1e-6));
-  EXPECT_FALSE(U::rayIntersectWithSeg(AcGePoint3d(0, 0, 0), AcGeVector3d(1, 0, 0), AcGePoint3d(1, 0, 0),
-                                      AcGePoint3d(3, 0, 0), out, 1e-6));  // overlap is no hit
+  auto seg = [&out](V dir, P a, P b) { return U::rayIntersectWithSeg(P(0, 0, 0), dir, a, b, out, 1e-6); };
+  EXPECT_TRUE(seg(V(1, 0, 0), P(3, -1, 0), P(3, 1, 0)));
+  EXPECT_TRUE(out.isEqualTo(P(3, 0, 0)));
+  EXPECT_FALSE(seg(V(-1, 0, 0), P(3, -1, 0), P(3, 1, 0)));
+  EXPECT_FALSE(seg(V(1, 0, 0), P(1, 0, 0), P(3, 0, 0)));  // overlap is no hit
   AcGePoint2d o2;
-  EXPECT_TRUE(U::rayIntersectWithSeg(AcGePoint2d(0, 0), AcGeVector2d(1, 1), AcGePoint2d(2, 0), AcGePoint2d(0, 2), o2, 1e-6));
+  EXPECT_TRUE(
+      U::rayIntersectWithSeg(AcGePoint2d(0, 0), AcGeVector2d(1, 1), AcGePoint2d(2, 0), AcGePoint2d(0, 2), o2, 1e-6));
   EXPECT_TRUE(o2.isEqualTo(AcGePoint2d(1, 1)));
 
-  AcGePoint3d a(0, 0, 0), b(2, 0, 0), c(0, 2, 0);
-  EXPECT_TRUE(U::rayIntersectWithTriangle(AcGePoint3d(0.5, 0.5, 5), AcGeVector3d(0, 0, -1), a, b, c, &out));
-  EXPECT_TRUE(out.isEqualTo(AcGePoint3d(0.5, 0.5, 0)));
-  EXPECT_TRUE(U::rayIntersectWithTriangle(AcGePoint3d(0.5, 0.5, -5), AcGeVector3d(0, 0, 1), a, b, c));  // back face
-  EXPECT_FALSE(U::rayIntersectWithTriangle(AcGePoint3d(0.5, 0.5, 5), AcGeVector3d(0, 0, 1), a, b, c));  // behind
-  EXPECT_FALSE(U::rayIntersectWithTriangle(AcGePoint3d(1.5, 1.5, 5), AcGeVector3d(0, 0, -1), a, b, c));
-  EXPECT_TRUE(U::rayIntersectWithTriangle(AcGePoint3d(1, 1, 5), AcGeVector3d(0, 0, -1), a, b, c));  // on the edge
-  EXPECT_FALSE(U::rayIntersectWithTriangle(AcGePoint3d(0.5, 0.5, 5), AcGeVector3d(0, 0, -1), a, b, b));
+  const P a(0, 0, 0), b(2, 0, 0), c(0, 2, 0);
+  EXPECT_TRUE(U::rayIntersectWithTriangle(P(0.5, 0.5, 5), V(0, 0, -1), a, b, c, &out));
+  EXPECT_TRUE(out.isEqualTo(P(0.5, 0.5, 0)));
+  EXPECT_TRUE(U::rayIntersectWithTriangle(P(0.5, 0.5, -5), V(0, 0, 1), a, b, c));  // back face
+  EXPECT_FALSE(U::rayIntersectWithTriangle(P(0.5, 0.5, 5), V(0, 0, 1), a, b, c));  // behind
+  EXPECT_FALSE(U::rayIntersectWithTriangle(P(1.5, 1.5, 5), V(0, 0, -1), a, b, c));
+  EXPECT_TRUE(U::rayIntersectWithTriangle(P(1, 1, 5), V(0, 0, -1), a, b, c));  // on the edge
+  EXPECT_FALSE(U::rayIntersectWithTriangle(P(0.5, 0.5, 5), V(0, 0, -1), a, b, b));
 }
 
 TEST(RenderSysUtilsTest, RayAgainstBoxWithMargin) {
-  AcGePoint3d lo(0, 0, 0), hi(1, 1, 1), hit;
-  double dist = -1;
-  // Origin 0.005 outside a face: inside the box grown by 0.01.
-  EXPECT_TRUE(U::rayIntersectWithBox(AcGePoint3d(1.005, 0.5, 0.5), AcGeVector3d(1, 0, 0), lo, hi));
-  double noMargin = 0.0;
-  EXPECT_FALSE(U::rayIntersectWithBox(AcGePoint3d(1.005, 0.5, 0.5), AcGeVector3d(1, 0, 0), lo, hi, nullptr, nullptr,
-                                      &noMargin));
-  ASSERT_TRUE(U::rayIntersectWithBox(AcGePoint3d(-5, 0.5, 0.5), AcGeVector3d(2, 0, 0), lo, hi, &hit, &dist));
-  EXPECT_TRUE(hit.isEqualTo(AcGePoint3d(-0.01, 0.5, 0.5)));
+  using P = AcGePoint3d;
+  using V = AcGeVector3d;
+  AcGePoint3d hit;
+  double dist = -1, noMargin = 0.0, wide = 10.0;
+  auto box = [&](P from, V dir, double* margin = nullptr) {
+    return U::rayIntersectWithBox(from, dir, P(0, 0, 0), P(1, 1, 1), &hit, &dist, margin);
+  };
+  // The box is grown by 0.01 unless a margin is given.
+  EXPECT_TRUE(box(P(1.005, 0.5, 0.5), V(1, 0, 0)));
+  EXPECT_FALSE(box(P(1.005, 0.5, 0.5), V(1, 0, 0), &noMargin));
+  ASSERT_TRUE(box(P(-5, 0.5, 0.5), V(2, 0, 0)));
+  EXPECT_TRUE(hit.isEqualTo(P(-0.01, 0.5, 0.5)));
   EXPECT_NEAR(dist, 4.99, 1e-12);  // along the ray in length units
-  ASSERT_TRUE(U::rayIntersectWithBox(AcGePoint3d(5, 0.5, 0.5), AcGeVector3d(-1, 0, 0), lo, hi, &hit, &dist));
-  EXPECT_TRUE(hit.isEqualTo(AcGePoint3d(1.01, 0.5, 0.5)));
-  // Just past the grown edge.
-  EXPECT_FALSE(U::rayIntersectWithBox(AcGePoint3d(-5, 1.02, 0.5), AcGeVector3d(1, 0, 0), lo, hi, &hit));
-  EXPECT_TRUE(U::rayIntersectWithBox(AcGePoint3d(-5, 1.009, 0.5), AcGeVector3d(1, 0, 0), lo, hi, &hit));
-  EXPECT_FALSE(U::rayIntersectWithBox(AcGePoint3d(-5, 0.5, 0.5), AcGeVector3d(-1, 0, 0), lo, hi));
-  double wide = 10.0;
-  EXPECT_TRUE(U::rayIntersectWithBox(AcGePoint3d(-5, 0.5, 0.5), AcGeVector3d(0, 1, 0), lo, hi, nullptr, nullptr, &wide));
+  ASSERT_TRUE(box(P(5, 0.5, 0.5), V(-1, 0, 0)));
+  EXPECT_TRUE(hit.isEqualTo(P(1.01, 0.5, 0.5)));
+  EXPECT_FALSE(box(P(-5, 1.02, 0.5), V(1, 0, 0)));  // just past the grown edge
+  EXPECT_TRUE(box(P(-5, 1.009, 0.5), V(1, 0, 0)));
+  EXPECT_FALSE(box(P(-5, 0.5, 0.5), V(-1, 0, 0)));
+  EXPECT_TRUE(box(P(-5, 0.5, 0.5), V(0, 1, 0), &wide));
+  EXPECT_TRUE(U::rayIntersectWithBox(P(1.005, 0.5, 0.5), V(1, 0, 0), P(0, 0, 0), P(1, 1, 1)));  // no outputs
 }
 
 TEST(RenderSysUtilsTest, ArcAndCurveIntersections) {
@@ -197,27 +205,30 @@ TEST(RenderSysUtilsTest, ArcAndCurveIntersections) {
 }
 
 TEST(RenderSysUtilsTest, PtInAreaAndFace) {
-  std::vector<AcGePoint3d> sq = square(true, true);
-  EXPECT_TRUE(U::PtInArea(AcGePoint3d(0.5, 0.5, 3), sq, 1e-6, false));
-  EXPECT_FALSE(U::PtInArea(AcGePoint3d(1.5, 0.5, 0), sq, 1e-6, true));
-  EXPECT_TRUE(U::PtInArea(AcGePoint3d(1, 0.5, 0), sq, 1e-6, true));  // on an edge
-  EXPECT_FALSE(U::PtInArea(AcGePoint3d(1, 0.5, 0), sq, 1e-6, false));
-  EXPECT_FALSE(U::PtInArea(AcGePoint3d(0, 0, 0), sq, 1e-6, false));  // on a vertex
+  using P = AcGePoint3d;
+  const std::vector<P> sq = square(true, true);
+  EXPECT_TRUE(U::PtInArea(P(0.5, 0.5, 3), sq, 1e-6, false));
+  EXPECT_FALSE(U::PtInArea(P(1.5, 0.5, 0), sq, 1e-6, true));
+  EXPECT_TRUE(U::PtInArea(P(1, 0.5, 0), sq, 1e-6, true));  // on an edge
+  EXPECT_FALSE(U::PtInArea(P(1, 0.5, 0), sq, 1e-6, false));
+  EXPECT_FALSE(U::PtInArea(P(0, 0, 0), sq, 1e-6, false));  // on a vertex
   // The ray towards +x passes exactly through a vertex of a diamond.
-  std::vector<AcGePoint3d> diamond = {AcGePoint3d(0, -1, 0), AcGePoint3d(1, 0, 0), AcGePoint3d(0, 1, 0), AcGePoint3d(-1, 0, 0)};
-  EXPECT_TRUE(U::PtInArea(AcGePoint3d(0, 0, 0), diamond, 1e-6, false));
-  EXPECT_FALSE(U::PtInArea(AcGePoint3d(-2, 0, 0), diamond, 1e-6, false));
+  const std::vector<P> diamond = {P(0, -1, 0), P(1, 0, 0), P(0, 1, 0), P(-1, 0, 0)};
+  EXPECT_TRUE(U::PtInArea(P(0, 0, 0), diamond, 1e-6, false));
+  EXPECT_FALSE(U::PtInArea(P(-2, 0, 0), diamond, 1e-6, false));
 
-  std::vector<AcGePoint3d> outer = {AcGePoint3d(0, 0, 1), AcGePoint3d(4, 0, 1), AcGePoint3d(4, 4, 1), AcGePoint3d(0, 4, 1)};
-  std::vector<std::vector<AcGePoint3d>> holes = {
-      {AcGePoint3d(1, 1, 1), AcGePoint3d(2, 1, 1), AcGePoint3d(2, 2, 1), AcGePoint3d(1, 2, 1)}};
+  const std::vector<P> outer = {P(0, 0, 1), P(4, 0, 1), P(4, 4, 1), P(0, 4, 1)};
+  const std::vector<std::vector<P>> holes = {{P(1, 1, 1), P(2, 1, 1), P(2, 2, 1), P(1, 2, 1)}};
   AcGePoint3d hit;
-  ASSERT_TRUE(U::faceIntersectWithLine(outer, AcGeVector3d::kZAxis, AcGePoint3d(3, 3, 9), AcGeVector3d(0, 0, -1), hit, 1e-6, holes));
-  EXPECT_TRUE(hit.isEqualTo(AcGePoint3d(3, 3, 1)));
-  EXPECT_FALSE(U::faceIntersectWithLine(outer, AcGeVector3d::kZAxis, AcGePoint3d(1.5, 1.5, 9), AcGeVector3d(0, 0, -1), hit, 1e-6, holes));
-  EXPECT_FALSE(U::faceIntersectWithLine(outer, AcGeVector3d::kZAxis, AcGePoint3d(5, 3, 9), AcGeVector3d(0, 0, -1), hit, 1e-6, holes));
-  EXPECT_FALSE(U::faceIntersectWithLine(outer, AcGeVector3d::kZAxis, AcGePoint3d(3, 3, 9), AcGeVector3d(0, 0, 1), hit, 1e-6, holes));
-  EXPECT_TRUE(U::faceIntersectWithLine(outer, AcGeVector3d(), AcGePoint3d(3, 3, 9), AcGeVector3d(0, 0, 1), hit, 1e-6, holes, false));
+  auto face = [&](P from, double dz, AcGeVector3d normal = AcGeVector3d::kZAxis, bool solid = true) {
+    return U::faceIntersectWithLine(outer, normal, from, AcGeVector3d(0, 0, dz), hit, 1e-6, holes, solid);
+  };
+  ASSERT_TRUE(face(P(3, 3, 9), -1));
+  EXPECT_TRUE(hit.isEqualTo(P(3, 3, 1)));
+  EXPECT_FALSE(face(P(1.5, 1.5, 9), -1));  // in the hole
+  EXPECT_FALSE(face(P(5, 3, 9), -1));
+  EXPECT_FALSE(face(P(3, 3, 9), 1));                        // pointing away
+  EXPECT_TRUE(face(P(3, 3, 9), 1, AcGeVector3d(), false));  // the plane from the points
 }
 
 TEST(RenderSysUtilsTest, DroopPointOnArcsAndCurves) {
@@ -266,6 +277,33 @@ TEST(RenderSysUtilsTest, CurveMidPointByParameterExceptEllipse) {
   EXPECT_TRUE(U::getCurveMidPoint(&infinite).isEqualTo(AcGePoint3d::kOrigin));
 }
 
+TEST(RenderSysUtilsTest, ScreenRectanglesIncludeTheirEdges) {
+  const CRect r(10, 20, 30, 40);
+  for (auto p :
+       {std::make_pair(CPoint(10, 20), true), {CPoint(30, 40), true}, {CPoint(31, 40), false}, {CPoint(20, 19), false}})
+    EXPECT_EQ(U::ptInRect(p.first, r), p.second) << p.first.x << "," << p.first.y;
+  EXPECT_TRUE(U::rectIntersectWithRect(0, 0, 10, 10, 10, 10, 20, 20));  // touching corners
+  EXPECT_FALSE(U::rectIntersectWithRect(0, 0, 10, 10, 11, 0, 20, 10));
+  EXPECT_FALSE(U::rectIntersectWithRect(0, 0, 10, 10, 0, 11, 10, 20));
+  EXPECT_TRUE(U::rectIntersectWithRect(0, 0, 100, 100, 40, 40, 50, 50));
+  // Segments against (10, 10, 20, 20): {a, b, meets the rectangle, meets a side}.
+  struct Seg {
+    CPoint a, b;
+    bool rect, side;
+  };
+  const CRect sq(10, 10, 20, 20);
+  const Seg segs[] = {{{12, 12}, {15, 15}, true, false},  // inside
+                      {{0, 15}, {30, 15}, true, true},    // straight through
+                      {{0, 0}, {30, 5}, false, false},    // below
+                      {{0, 30}, {10, 20}, true, true},    // touches a corner
+                      {{5, 10}, {25, 10}, true, true},    // along the top side
+                      {{0, 30}, {9, 21}, false, false}};  // stops short of the corner
+  for (const Seg& g : segs) {
+    EXPECT_EQ(U::segIntersectWithRect(g.a, g.b, sq), g.rect) << g.a.x << "," << g.a.y;
+    EXPECT_EQ(U::segIntersectWithRectSide(g.a, g.b, sq), g.side) << g.a.x << "," << g.a.y;
+  }
+}
+
 TEST(RenderSysUtilsTest, SphereInFrustumUsesFivePlanes) {
   std::vector<std::vector<double>> planes(5, {0, 0, 1, 10});  // z > -10
   planes.push_back({0, 0, -1, -100});                         // sixth: z < -100 only
@@ -304,24 +342,17 @@ TEST(RenderSysUtilsTest, MatrixConversionsAreColumnMajor) {
   EXPECT_TRUE(arr[0].isEqualTo(AcGePoint3d(1, 2, 3)));
 }
 
-TEST(RenderSysUtilsTest, Str2StrArrKeepsEmptyPieces) {
-  CStringArray arr;
-  U::Str2StrArr(CString(""), arr, ',');
-  EXPECT_EQ(arr.GetSize(), 0);
-  U::Str2StrArr(CString("abc"), arr, ',');
-  ASSERT_EQ(arr.GetSize(), 1);
-  EXPECT_EQ(arr[0], CString("abc"));
-  arr.RemoveAll();
-  U::Str2StrArr(CString("a,,b"), arr, ',');
-  ASSERT_EQ(arr.GetSize(), 3);
-  EXPECT_EQ(arr[0], CString("a"));
-  EXPECT_TRUE(arr[1].IsEmpty());
-  EXPECT_EQ(arr[2], CString("b"));
-  arr.RemoveAll();
-  U::Str2StrArr(CString(",x,"), arr, ',');
-  ASSERT_EQ(arr.GetSize(), 3);
-  EXPECT_TRUE(arr[0].IsEmpty());
-  EXPECT_TRUE(arr[2].IsEmpty());
+TEST(RenderSysUtilsTest, Str2StrArrKeepsEmptyPiecesAndAppends) {
+  const std::pair<const char*, std::vector<std::string>> cases[] = {
+      {"", {}}, {"abc", {"abc"}}, {"a,,b", {"a", "", "b"}}, {",x,", {"", "x", ""}}};
+  for (const auto& c : cases) {
+    CStringArray arr;
+    arr.Add(CString("kept"));
+    U::Str2StrArr(CString(c.first), arr, ',');
+    std::vector<std::string> got;
+    for (int i = 1; i < arr.GetSize(); ++i) got.push_back(arr[i].str());
+    EXPECT_EQ(got, c.second) << c.first;
+  }
 }
 
 TEST(RenderSysUtilsTest, CodePageAndExecutableFolder) {

@@ -1,4 +1,4 @@
-#include "objects/SceneDecoder.h"
+#include "io/SceneDecoder.h"
 
 #include <charconv>
 #include <cmath>

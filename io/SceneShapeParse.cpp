@@ -4,9 +4,9 @@
 #include <climits>
 #include <set>
 
-#include "objects/SceneDecoder.h"
-#include "objects/SceneDoc.h"
-#include "objects/SceneParse.h"
+#include "io/SceneDecoder.h"
+#include "io/SceneDoc.h"
+#include "io/SceneParse.h"
 #include "support/AnsiText.h"
 
 namespace kxscene {

@@ -3,9 +3,9 @@
 // static objects still in the scene, and come back with new ids.
 #include <gtest/gtest.h>
 
+#include "io/SceneFileHelpers.h"
 #include "kxrender/CStaticObject.h"
 #include "kxrender/KxWindow.h"
-#include "objects/SceneFileHelpers.h"
 #include "support/GLRecorder.h"
 
 namespace {
@@ -53,10 +53,10 @@ TEST_F(SceneFileStatics, ARecordReplaysItsCallsInOrder) {
   // Drop the name allocation; what matters is the list's contents.
   names.erase(names.begin(), names.begin() + gl.find("glNewList"));
   const std::vector<std::string> expected = {
-      "glNewList",  "glBegin",   "glColor3ub",  "glVertex3d",   "glVertex3d", "glVertex3d",
-      "glEnd",      "glBegin",   "glNormal3f",  "glColor3ub",   "glTexCoord2d", "glVertex3d",
+      "glNewList",  "glBegin",      "glColor3ub", "glVertex3d", "glVertex3d",   "glVertex3d",
+      "glEnd",      "glBegin",      "glNormal3f", "glColor3ub", "glTexCoord2d", "glVertex3d",
       "glColor3ub", "glTexCoord2d", "glVertex3d", "glColor3ub", "glTexCoord2d", "glVertex3d",
-      "glColor3ub", "glTexCoord2d", "glVertex3d", "glEnd",       "glEndList"};
+      "glColor3ub", "glTexCoord2d", "glVertex3d", "glEnd",      "glEndList"};
   EXPECT_EQ(names, expected);
   const GLCall& begin = gl.calls()[size_t(gl.find("glBegin"))];
   EXPECT_EQ(begin.args, std::vector<double>{double(GL_LINE_LOOP)});

@@ -7,7 +7,7 @@
 #include "kxrender/CRenderObject.h"
 #include "kxrender/CStaticObject.h"
 #include "kxrender/TextInfo.h"
-#include "objects/SceneDoc.h"
+#include "io/SceneDoc.h"
 
 namespace kxscene {
 

@@ -4,7 +4,7 @@
 // writing share them, so whatever is written can be read back.
 #include <cmath>
 
-#include "objects/SceneDoc.h"
+#include "io/SceneDoc.h"
 
 namespace kxscene {
 

@@ -3,7 +3,7 @@
 // document rebuilds the same shape.
 #include "kxrender/CRenderObject.h"
 #include "kxrender/CSceneMgr.h"
-#include "objects/SceneDoc.h"
+#include "io/SceneDoc.h"
 
 namespace kxscene {
 

@@ -1,9 +1,9 @@
-// Screen-space tests. The scene's matrices come from a GL table that
+// The screen queries of the geometric utilities that map world points
+// through a scene. The scene's matrices come from a GL table that
 // answers the matrix queries with a fixed view: world x, y in [0, 100] fill
 // a 100 x 100 viewport, so a world point (x, y) lands on pixel (x, 100 - y).
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstring>
 
 #include "kxrender/CPoint.h"
@@ -49,38 +49,10 @@ class ScreenTest : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(ScreenTest, ProjectionOfTheFixture) {
+TEST_F(ScreenTest, AllInRect) {
   CPoint s;
   m_scene.world2screen(AcGePoint3d(30.5, 20.5, 0), s);
-  EXPECT_EQ(s.x, 30);
-  EXPECT_EQ(s.y, 80);
-}
-
-TEST(ScreenRectTest, PointAndRectangleEdgesIncluded) {
-  CRect r(10, 20, 30, 40);
-  EXPECT_TRUE(U::ptInRect(CPoint(10, 20), r));
-  EXPECT_TRUE(U::ptInRect(CPoint(30, 40), r));
-  EXPECT_FALSE(U::ptInRect(CPoint(31, 40), r));
-  EXPECT_FALSE(U::ptInRect(CPoint(20, 19), r));
-  EXPECT_TRUE(U::rectIntersectWithRect(0, 0, 10, 10, 10, 10, 20, 20));  // touching corners
-  EXPECT_FALSE(U::rectIntersectWithRect(0, 0, 10, 10, 11, 0, 20, 10));
-  EXPECT_FALSE(U::rectIntersectWithRect(0, 0, 10, 10, 0, 11, 10, 20));
-  EXPECT_TRUE(U::rectIntersectWithRect(0, 0, 100, 100, 40, 40, 50, 50));
-}
-
-TEST(ScreenRectTest, SegmentsAgainstRectangle) {
-  CRect r(10, 10, 20, 20);
-  EXPECT_TRUE(U::segIntersectWithRect(CPoint(12, 12), CPoint(15, 15), r));  // inside
-  EXPECT_FALSE(U::segIntersectWithRectSide(CPoint(12, 12), CPoint(15, 15), r));
-  EXPECT_TRUE(U::segIntersectWithRectSide(CPoint(0, 15), CPoint(30, 15), r));  // straight through
-  EXPECT_TRUE(U::segIntersectWithRect(CPoint(0, 15), CPoint(30, 15), r));
-  EXPECT_FALSE(U::segIntersectWithRect(CPoint(0, 0), CPoint(30, 5), r));
-  EXPECT_TRUE(U::segIntersectWithRect(CPoint(0, 30), CPoint(10, 20), r));  // touches a corner
-  EXPECT_TRUE(U::segIntersectWithRectSide(CPoint(5, 10), CPoint(25, 10), r));  // along the top side
-  EXPECT_FALSE(U::segIntersectWithRect(CPoint(0, 30), CPoint(9, 21), r));
-}
-
-TEST_F(ScreenTest, AllInRect) {
+  EXPECT_EQ(s, CPoint(30, 80));  // the fixture's projection
   CRect r(10, 10, 50, 50);
   EXPECT_FALSE(U::allInRect(nullptr, {}, r));
   EXPECT_TRUE(U::allInRect(&m_scene, {}, r));

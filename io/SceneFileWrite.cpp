@@ -1,7 +1,7 @@
 // Writing a SceneDoc as JSON. Fields equal to what a reader assumes when
 // they are missing are left out, so files stay small; the order of fields
 // is fixed, so the same document always gives the same bytes.
-#include "objects/SceneDoc.h"
+#include "io/SceneDoc.h"
 #include "support/AnsiText.h"
 #include "support/JsonWriter.h"
 

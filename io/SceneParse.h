@@ -1,7 +1,7 @@
 #pragma once
 // The parts of the scene file reader shared between its source files.
-#include "objects/SceneDecoder.h"
-#include "objects/SceneDoc.h"
+#include "io/SceneDecoder.h"
+#include "io/SceneDoc.h"
 
 namespace kxscene {
 // One shape object, checked as a whole.

@@ -15,7 +15,7 @@
 #include "kxrender/CSceneMgr.h"
 #include "kxrender/CStaticObject.h"
 #include "kxrender/KxWindow.h"
-#include "objects/SceneDoc.h"
+#include "io/SceneDoc.h"
 #include "support/JsonReader.h"
 #include "support/JsonWriter.h"
 

@@ -3,7 +3,7 @@
 #include <climits>
 #include <set>
 
-#include "objects/SceneParse.h"
+#include "io/SceneParse.h"
 
 namespace kxscene {
 
