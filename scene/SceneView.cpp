@@ -3,6 +3,7 @@
 
 #include "kxrender/AcGeLine3d.h"
 #include "kxrender/CSceneMgr.h"
+#include "platform/Win32Window.h"
 #include "support/GLTable.h"
 
 void CSceneMgr::setViewport() {

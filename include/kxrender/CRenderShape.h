@@ -181,10 +181,6 @@ class KXRENDER_API CRenderShape {
   bool isFaceDataNull() const;
 
  private:
-  // Lets the unit tests set state no public call reaches (a display list
-  // name without a GL context).
-  friend struct CRenderShapeTestAccess;
-
   void copyFields(const CRenderShape& o);
   static float offsetBase(float area);
 
