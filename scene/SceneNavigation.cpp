@@ -6,8 +6,8 @@
 #include "kxrender/AcGeLine3d.h"
 #include "kxrender/AcGePlane.h"
 #include "kxrender/CSceneMgr.h"
-#include "platform/Win32Window.h"
 #include "platform/Win32System.h"
+#include "platform/Win32Window.h"
 
 namespace {
 
