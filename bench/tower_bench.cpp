@@ -50,8 +50,7 @@ struct Model {
       limit->drawList();
     else
       limit->drawArray();
-    SwapBuffers(scene->getHDC());
-    glFinish();
+    scene->finish();
   }
   ~Model() {
     limit.reset();

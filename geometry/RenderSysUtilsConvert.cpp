@@ -5,7 +5,7 @@
 #include "kxrender/CRenderSysUtils.h"
 #include "kxrender/CString.h"
 #include "kxrender/CStringArray.h"
-#include "kxrender/KxSystem.h"
+#include "platform/Win32System.h"
 
 void CRenderSysUtils::convertMatrixTo16(const AcGeMatrix3d& matrix, float* m) {
   if (!m) return;

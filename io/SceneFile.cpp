@@ -14,7 +14,7 @@
 
 #include "kxrender/CSceneMgr.h"
 #include "kxrender/CStaticObject.h"
-#include "kxrender/KxWindow.h"
+#include "platform/Win32Window.h"
 #include "io/SceneDoc.h"
 #include "support/JsonReader.h"
 #include "support/JsonWriter.h"

@@ -1,6 +1,6 @@
 #include <ctime>
 
-#include "kxrender/KxSystem.h"
+#include "platform/Win32System.h"
 
 static int64_t monotonicNanoseconds() {
   timespec ts;

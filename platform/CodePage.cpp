@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "kxrender/KxSystem.h"
+#include "platform/Win32System.h"
 
 namespace {
 
@@ -43,19 +43,32 @@ UINT& activeCodePage() {
 UINT resolve(UINT cp) { return cp == CP_ACP ? activeCodePage() : cp; }
 
 // One open converter per (from, to) pair, kept for the process: opening one
-// costs far more than a short conversion.
-iconv_t converter(const char* to, const char* from) {
+// costs far more than a short conversion. Closed at exit, so that nothing
+// the process opened is left behind.
+class ConverterCache {
+ public:
+  ~ConverterCache() {
+    for (auto& e : m_entries) iconv_close(e.cd);
+  }
+  iconv_t get(const char* to, const char* from) {
+    for (auto& e : m_entries)
+      if (e.to == to && e.from == from) return e.cd;
+    iconv_t cd = iconv_open(to, from);
+    if (cd != reinterpret_cast<iconv_t>(-1)) m_entries.push_back({to, from, cd});
+    return cd;
+  }
+
+ private:
   struct Entry {
     std::string to, from;
     iconv_t cd;
   };
-  static std::vector<Entry> cache;
-  for (auto& e : cache)
-    if (e.to == to && e.from == from) return e.cd;
-  iconv_t cd = iconv_open(to, from);
-  if (cd == reinterpret_cast<iconv_t>(-1)) return cd;
-  cache.push_back({to, from, cd});
-  return cd;
+  std::vector<Entry> m_entries;
+};
+
+iconv_t converter(const char* to, const char* from) {
+  static ConverterCache cache;
+  return cache.get(to, from);
 }
 
 // Runs iconv over the whole input; on a byte that cannot be converted either

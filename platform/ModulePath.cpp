@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "kxrender/KxSystem.h"
+#include "platform/Win32System.h"
 
 DWORD GetModuleFileNameA(HMODULE module, char* path, DWORD size) {
   if (module != nullptr || !path || size == 0) return 0;

@@ -1,102 +1,93 @@
-// Pixel formats: the window display's desktop-GL configs, numbered from 1.
+// Pixel formats, numbered once for the process. A number stands for buffer
+// sizes (colour, alpha, depth, stencil, samples), not for a config of one
+// display: each window maps it to the config of its own display and visual
+// that supplies those sizes. Formats are numbered from 1 in the order
+// windows first reveal them, so a number never changes meaning.
 #include <cstring>
-#include <map>
-#include <utility>
+#include <vector>
 
-#include "kxrender/KxWindow.h"
+#include "platform/Win32Window.h"
 #include "platform/WindowImpl.h"
-
-namespace kxplatform {
-
-const std::vector<EGLConfig>& pixelFormatsOf(KxWindow* w) {
-  // The list depends only on the display and, for X11, the window's visual.
-  static std::map<std::pair<EGLDisplay, long>, std::vector<EGLConfig>> cache;
-  const bool x11 = w->kind == KxWindow::Kind::X11;
-  const long visual = x11 ? x11WindowVisual(w->xdisplay, w->xwindow) : 0;
-  auto key = std::make_pair(w->display, visual);
-  auto it = cache.find(key);
-  if (it != cache.end()) return it->second;
-
-  std::vector<EGLConfig> formats;
-  const EGLint attrs[] = {EGL_SURFACE_TYPE, x11 ? EGL_WINDOW_BIT : EGL_PBUFFER_BIT,
-                          EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT,
-                          EGL_COLOR_BUFFER_TYPE, EGL_RGB_BUFFER,
-                          EGL_NONE};
-  EGLint count = 0;
-  if (eglChooseConfig(w->display, attrs, nullptr, 0, &count) && count > 0) {
-    std::vector<EGLConfig> all(static_cast<size_t>(count));
-    eglChooseConfig(w->display, attrs, all.data(), count, &count);
-    for (EGLint i = 0; i < count; ++i) {
-      EGLint id = 0;
-      eglGetConfigAttrib(w->display, all[i], EGL_NATIVE_VISUAL_ID, &id);
-      if (!x11 || id == visual) formats.push_back(all[i]);
-    }
-  }
-  return cache[key] = std::move(formats);
-}
-
-}  // namespace kxplatform
 
 using namespace kxplatform;
 
-static EGLint attrib(EGLDisplay dpy, EGLConfig cfg, EGLint name) {
-  EGLint v = 0;
-  eglGetConfigAttrib(dpy, cfg, name, &v);
-  return v;
+namespace {
+
+std::vector<FormatKey>& registry() {
+  static std::vector<FormatKey> formats;
+  return formats;
 }
 
-static PIXELFORMATDESCRIPTOR describe(EGLDisplay dpy, EGLConfig cfg) {
+// Numbers every format the window can supply; returns how many are known.
+int registerFormats(KxWindow* w) {
+  auto& known = registry();
+  for (const auto& f : w->platform->formats(w->chain->nativeVisual())) {
+    bool seen = false;
+    for (const FormatKey& k : known) seen = seen || k == f.first;
+    if (!seen) known.push_back(f.first);
+  }
+  return static_cast<int>(known.size());
+}
+
+EGLConfig configOf(KxWindow* w, int format) {
+  if (format < 1 || format > registerFormats(w)) return nullptr;
+  return w->platform->configFor(registry()[static_cast<size_t>(format - 1)], w->chain->nativeVisual());
+}
+
+PIXELFORMATDESCRIPTOR describe(const FormatKey& k, bool supported) {
   PIXELFORMATDESCRIPTOR pfd;
   std::memset(&pfd, 0, sizeof pfd);
   pfd.nSize = sizeof pfd;
   pfd.nVersion = 1;
-  // Window surfaces swap; off-screen windows present a copy on SwapBuffers,
-  // so both behave as double-buffered to the engine.
-  pfd.dwFlags = PFD_DRAW_TO_WINDOW | PFD_SUPPORT_OPENGL | PFD_DOUBLEBUFFER;
+  // Window surfaces swap; off-screen windows swap two pbuffers: both are
+  // double-buffered to the engine.
+  pfd.dwFlags = supported ? PFD_DRAW_TO_WINDOW | PFD_SUPPORT_OPENGL | PFD_DOUBLEBUFFER : 0;
   pfd.iPixelType = PFD_TYPE_RGBA;
-  pfd.cRedBits = BYTE(attrib(dpy, cfg, EGL_RED_SIZE));
-  pfd.cGreenBits = BYTE(attrib(dpy, cfg, EGL_GREEN_SIZE));
-  pfd.cBlueBits = BYTE(attrib(dpy, cfg, EGL_BLUE_SIZE));
-  pfd.cAlphaBits = BYTE(attrib(dpy, cfg, EGL_ALPHA_SIZE));
-  pfd.cColorBits = BYTE(pfd.cRedBits + pfd.cGreenBits + pfd.cBlueBits);
+  pfd.cRedBits = BYTE(k.red);
+  pfd.cGreenBits = BYTE(k.green);
+  pfd.cBlueBits = BYTE(k.blue);
+  pfd.cAlphaBits = BYTE(k.alpha);
+  pfd.cColorBits = BYTE(k.red + k.green + k.blue);
   pfd.cGreenShift = pfd.cRedBits;
-  pfd.cBlueShift = BYTE(pfd.cRedBits + pfd.cGreenBits);
-  pfd.cAlphaShift = BYTE(pfd.cColorBits);
-  pfd.cDepthBits = BYTE(attrib(dpy, cfg, EGL_DEPTH_SIZE));
-  pfd.cStencilBits = BYTE(attrib(dpy, cfg, EGL_STENCIL_SIZE));
+  pfd.cBlueShift = BYTE(k.red + k.green);
+  pfd.cAlphaShift = pfd.cColorBits;
+  pfd.cDepthBits = BYTE(k.depth);
+  pfd.cStencilBits = BYTE(k.stencil);
   pfd.iLayerType = PFD_MAIN_PLANE;
   return pfd;
 }
 
+}  // namespace
+
 int DescribePixelFormat(HDC hDC, int format, UINT bytes, PIXELFORMATDESCRIPTOR* pfd) {
   if (!hDC || !isLiveWindow(hDC->window)) return 0;
   KxWindow* w = hDC->window;
-  const auto& formats = pixelFormatsOf(w);
-  const int count = static_cast<int>(formats.size());
+  const int count = registerFormats(w);
   if (pfd && bytes >= sizeof(PIXELFORMATDESCRIPTOR)) {
     if (format < 1 || format > count) return 0;
-    *pfd = describe(w->display, formats[static_cast<size_t>(format - 1)]);
+    *pfd = describe(registry()[static_cast<size_t>(format - 1)], configOf(w, format) != nullptr);
   }
   return count;
 }
 
 int ChoosePixelFormat(HDC hDC, const PIXELFORMATDESCRIPTOR* want) {
-  if (!want) return 0;
-  const int count = DescribePixelFormat(hDC, 1, 0, nullptr);
+  if (!want || !hDC || !isLiveWindow(hDC->window)) return 0;
+  KxWindow* w = hDC->window;
+  const int count = registerFormats(w);
   int best = 0;
   long bestCost = 0;
   for (int i = 1; i <= count; ++i) {
-    PIXELFORMATDESCRIPTOR f;
-    DescribePixelFormat(hDC, i, sizeof f, &f);
-    if (f.iPixelType != want->iPixelType) continue;
-    if ((want->dwFlags & PFD_DOUBLEBUFFER) && !(f.dwFlags & PFD_DOUBLEBUFFER)) continue;
-    // Missing bits are much worse than surplus bits.
-    long cost = 0;
+    if (!configOf(w, i)) continue;
+    const FormatKey& k = registry()[static_cast<size_t>(i - 1)];
+    if (want->iPixelType != PFD_TYPE_RGBA) continue;
+    // Missing bits are much worse than surplus bits; multisampling is never
+    // asked for, so any costs a little.
+    long cost = k.samples;
     auto weigh = [&cost](int have, int need) { cost += have < need ? 100L * (need - have) : (have - need); };
-    weigh(f.cColorBits, want->cColorBits);
-    weigh(f.cAlphaBits, want->cAlphaBits);
-    weigh(f.cDepthBits, want->cDepthBits);
-    weigh(f.cStencilBits, want->cStencilBits);
+    weigh(k.red + k.green + k.blue, want->cColorBits);
+    weigh(k.alpha, want->cAlphaBits);
+    weigh(k.depth, want->cDepthBits);
+    weigh(k.stencil, want->cStencilBits);
     if (best == 0 || cost < bestCost) {
       best = i;
       bestCost = cost;
@@ -108,15 +99,11 @@ int ChoosePixelFormat(HDC hDC, const PIXELFORMATDESCRIPTOR* want) {
 BOOL SetPixelFormat(HDC hDC, int format, const PIXELFORMATDESCRIPTOR*) {
   if (!hDC || !isLiveWindow(hDC->window)) return FALSE;
   KxWindow* w = hDC->window;
-  const auto& formats = pixelFormatsOf(w);
-  if (format < 1 || format > static_cast<int>(formats.size())) return FALSE;
   // As on Windows, a window's pixel format is set once for its life.
   if (w->pixelFormat != 0) return w->pixelFormat == format ? TRUE : FALSE;
-  w->config = formats[static_cast<size_t>(format - 1)];
-  if (!createSurface(w)) {
-    w->config = nullptr;
-    return FALSE;
-  }
+  EGLConfig config = configOf(w, format);
+  if (!config || !w->chain->realize(config)) return FALSE;
+  w->config = config;
   w->pixelFormat = format;
   return TRUE;
 }

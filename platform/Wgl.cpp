@@ -1,9 +1,7 @@
-// Rendering contexts (desktop OpenGL, compatibility profile) and buffer swap.
-#include <epoxy/gl.h>
-
+// Rendering contexts and buffer swap, through the window's platform.
 #include <set>
 
-#include "kxrender/KxWindow.h"
+#include "platform/Win32Window.h"
 #include "platform/WindowImpl.h"
 
 namespace kxplatform {
@@ -20,9 +18,7 @@ KxGLContext*& currentContext() {
 
 bool isLiveContext(const KxGLContext* c) { return c && contexts().count(c) != 0; }
 
-void forgetContext(KxGLContext* c) {
-  if (currentContext() == c) currentContext() = nullptr;
-}
+size_t liveContextCount() { return contexts().size(); }
 
 }  // namespace kxplatform
 
@@ -31,13 +27,10 @@ using namespace kxplatform;
 HGLRC wglCreateContext(HDC hDC) {
   if (!hDC || !isLiveWindow(hDC->window) || hDC->window->pixelFormat == 0) return nullptr;
   KxWindow* w = hDC->window;
-  if (!eglBindAPI(EGL_OPENGL_API)) return nullptr;
-  // No version asked for: the driver's compatibility profile, which keeps
-  // the fixed-function pipeline, display lists and client arrays.
-  EGLContext ctx = eglCreateContext(w->display, w->config, EGL_NO_CONTEXT, nullptr);
+  EGLContext ctx = w->platform->createContext(w->config);
   if (ctx == EGL_NO_CONTEXT) return nullptr;
   auto* c = new KxGLContext;
-  c->display = w->display;
+  c->platform = w->platform;
   c->config = w->config;
   c->context = ctx;
   contexts().insert(c);
@@ -48,7 +41,7 @@ BOOL wglMakeCurrent(HDC hDC, HGLRC hRC) {
   if (!hRC) {
     KxGLContext* cur = currentContext();
     if (cur && isLiveContext(cur)) {
-      eglMakeCurrent(cur->display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+      eglMakeCurrent(cur->platform->display(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
       cur->currentWindow = nullptr;
     }
     currentContext() = nullptr;
@@ -56,8 +49,7 @@ BOOL wglMakeCurrent(HDC hDC, HGLRC hRC) {
   }
   if (!isLiveContext(hRC) || !hDC || !isLiveWindow(hDC->window)) return FALSE;
   KxWindow* w = hDC->window;
-  if (w->surface == EGL_NO_SURFACE || w->display != hRC->display) return FALSE;
-  if (!eglMakeCurrent(w->display, w->surface, w->surface, hRC->context)) return FALSE;
+  if (w->platform != hRC->platform || !w->platform->makeCurrent(*w->chain, hRC->context)) return FALSE;
   KxGLContext* previous = currentContext();
   if (previous && previous != hRC && isLiveContext(previous)) previous->currentWindow = nullptr;
   hRC->currentWindow = w;
@@ -69,7 +61,7 @@ BOOL wglMakeCurrent(HDC hDC, HGLRC hRC) {
 BOOL wglDeleteContext(HGLRC hRC) {
   if (!isLiveContext(hRC)) return FALSE;
   if (currentContext() == hRC) wglMakeCurrent(nullptr, nullptr);
-  eglDestroyContext(hRC->display, hRC->context);
+  hRC->platform->destroyContext(hRC->context);
   contexts().erase(hRC);
   forgetContext(hRC);
   delete hRC;
@@ -87,24 +79,7 @@ HDC wglGetCurrentDC() {
 BOOL SwapBuffers(HDC hDC) {
   if (!hDC || !isLiveWindow(hDC->window)) return FALSE;
   KxWindow* w = hDC->window;
-  if (w->surface == EGL_NO_SURFACE) return FALSE;
-  if (w->kind == KxWindow::Kind::X11) return eglSwapBuffers(w->display, w->surface) ? TRUE : FALSE;
-
-  // Off-screen: present the frame by copying it to the window's front image.
-  KxGLContext* cur = currentContext();
-  const bool bound = cur && cur->currentWindow == w;
-  KxGLContext* borrow = bound ? cur : w->lastContext;
-  if (!borrow || !isLiveContext(borrow)) return FALSE;
-  if (!bound && !eglMakeCurrent(w->display, w->surface, w->surface, borrow->context)) return FALSE;
-  readCurrentPixels(w->width, w->height, w->front);
-  w->frontWidth = w->width;
-  w->frontHeight = w->height;
-  if (!bound) {
-    // Give the caller back whatever was current before.
-    if (cur && isLiveContext(cur) && cur->currentWindow)
-      eglMakeCurrent(cur->display, cur->currentWindow->surface, cur->currentWindow->surface, cur->context);
-    else
-      eglMakeCurrent(w->display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
-  }
-  return TRUE;
+  // A frame needs a context that drew it.
+  if (!isLiveContext(w->lastContext)) return FALSE;
+  return w->platform->commit(*w->chain) ? TRUE : FALSE;
 }

@@ -1,11 +1,8 @@
-// Window registry, off-screen windows, client rectangles and device contexts.
-#include <epoxy/gl.h>
-
+// Window registry, client rectangles, device contexts and frame read-back.
 #include <algorithm>
 #include <set>
 
-#include "kxrender/KxWindow.h"
-#include "platform/EglDisplay.h"
+#include "platform/Win32Window.h"
 #include "platform/WindowImpl.h"
 
 namespace kxplatform {
@@ -18,41 +15,22 @@ std::set<const KxWindow*>& windows() {
 
 bool isLiveWindow(const KxWindow* w) { return w && windows().count(w) != 0; }
 
-void clientSize(const KxWindow* w, int& width, int& height) {
-  width = w->width;
-  height = w->height;
-  if (w->kind == KxWindow::Kind::X11 && !x11WindowSize(w->xdisplay, w->xwindow, width, height)) {
-    width = height = 0;
-  }
-}
+void clientSize(const KxWindow* w, int& width, int& height) { w->chain->clientSize(width, height); }
 
-bool createSurface(KxWindow* w) {
-  if (w->kind == KxWindow::Kind::X11) {
-    EGLNativeWindowType native = static_cast<EGLNativeWindowType>(w->xwindow);
-    w->surface = eglCreateWindowSurface(w->display, w->config, native, nullptr);
-  } else {
-    const EGLint attrs[] = {EGL_WIDTH, w->width, EGL_HEIGHT, w->height, EGL_NONE};
-    w->surface = eglCreatePbufferSurface(w->display, w->config, attrs);
-  }
-  return w->surface != EGL_NO_SURFACE;
-}
-
-void readCurrentPixels(int width, int height, std::vector<uint8_t>& rgba) {
-  // Read into the caller's buffer (kept between frames) and flip the rows in
-  // place: presenting a frame allocates nothing once the size is settled.
-  const size_t row = size_t(width) * 4;
-  rgba.resize(row * size_t(height));
-  glPixelStorei(GL_PACK_ALIGNMENT, 1);
-  glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, rgba.data());
-  for (int y = 0; y < height / 2; ++y)
-    std::swap_ranges(&rgba[row * size_t(y)], &rgba[row * size_t(y)] + row, &rgba[row * size_t(height - 1 - y)]);
+void forgetContext(const KxGLContext* c) {
+  for (const KxWindow* w : windows())
+    if (w->lastContext == c) const_cast<KxWindow*>(w)->lastContext = nullptr;
 }
 
 }  // namespace kxplatform
 
 using namespace kxplatform;
 
-static KxWindow* registerWindow(KxWindow* w) {
+static HWND registerWindow(Platform* platform, std::unique_ptr<SwapChain> chain) {
+  if (!chain) return nullptr;
+  auto* w = new KxWindow;
+  w->platform = platform;
+  w->chain = std::move(chain);
   w->dc.window = w;
   windows().insert(w);
   return w;
@@ -64,74 +42,40 @@ static const int kMaxOffscreenSide = 16384;
 
 HWND KxCreateOffscreenWindow(int width, int height) {
   if (width > kMaxOffscreenSide || height > kMaxOffscreenSide) return nullptr;
-  EGLDisplay dpy = offscreenDisplay();
-  if (dpy == EGL_NO_DISPLAY) return nullptr;
-  auto* w = new KxWindow;
-  w->kind = KxWindow::Kind::Offscreen;
-  w->display = dpy;
-  w->width = std::max(1, width);
-  w->height = std::max(1, height);
-  return registerWindow(w);
+  Platform* platform = headlessPlatform();
+  if (!platform) return nullptr;
+  return registerWindow(platform, platform->createSwapChain(std::max(1, width), std::max(1, height)));
 }
 
 HWND KxAttachX11Window(void* display, unsigned long window) {
   if (!display || !window) return nullptr;
-  int width = 0, height = 0;
-  if (!x11WindowSize(display, window, width, height)) return nullptr;
-  EGLDisplay dpy = x11Display(display);
-  if (dpy == EGL_NO_DISPLAY) return nullptr;
-  auto* w = new KxWindow;
-  w->kind = KxWindow::Kind::X11;
-  w->xdisplay = display;
-  w->xwindow = window;
-  w->display = dpy;
-  return registerWindow(w);
+  Platform* platform = x11Platform(display);
+  if (!platform) return nullptr;
+  return registerWindow(platform, platform->createSwapChain(display, window));
 }
 
 void KxDestroyWindow(HWND hWnd) {
   if (!isLiveWindow(hWnd)) return;
-  if (hWnd->surface != EGL_NO_SURFACE) {
-    if (eglGetCurrentSurface(EGL_DRAW) == hWnd->surface)
-      eglMakeCurrent(hWnd->display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
-    eglDestroySurface(hWnd->display, hWnd->surface);
-  }
   if (hWnd->lastContext && isLiveContext(hWnd->lastContext) && hWnd->lastContext->currentWindow == hWnd)
     hWnd->lastContext->currentWindow = nullptr;
   windows().erase(hWnd);
-  delete hWnd;
+  delete hWnd;  // the swap chain unbinds and destroys its surfaces
 }
 
 bool KxResizeOffscreenWindow(HWND hWnd, int width, int height) {
-  if (!isLiveWindow(hWnd) || hWnd->kind != KxWindow::Kind::Offscreen) return false;
+  if (!isLiveWindow(hWnd)) return false;
   if (width > kMaxOffscreenSide || height > kMaxOffscreenSide) return false;
-  width = std::max(1, width);
-  height = std::max(1, height);
-  if (width == hWnd->width && height == hWnd->height) return true;
-  hWnd->width = width;
-  hWnd->height = height;
-  if (hWnd->surface == EGL_NO_SURFACE) return true;
-  // A pbuffer cannot change size: replace it, rebinding if it is in use.
-  EGLSurface old = hWnd->surface;
-  const bool wasCurrent = eglGetCurrentSurface(EGL_DRAW) == old;
-  EGLContext ctx = eglGetCurrentContext();
-  if (!createSurface(hWnd)) {
-    hWnd->surface = old;
-    return false;
-  }
-  if (wasCurrent) eglMakeCurrent(hWnd->display, hWnd->surface, hWnd->surface, ctx);
-  eglDestroySurface(hWnd->display, old);
-  return true;
+  return hWnd->chain->resize(std::max(1, width), std::max(1, height));
 }
+
+bool KxNotifyWindowResized(HWND hWnd) { return isLiveWindow(hWnd) && hWnd->chain->sizeChanged(); }
 
 bool KxReadWindowPixels(HWND hWnd, std::vector<uint8_t>& rgba, int& width, int& height) {
   if (!isLiveWindow(hWnd)) return false;
-  if (!hWnd->front.empty()) {
-    rgba = hWnd->front;
-    width = hWnd->frontWidth;
-    height = hWnd->frontHeight;
-    return true;
-  }
-  if (hWnd->surface == EGL_NO_SURFACE || eglGetCurrentSurface(EGL_DRAW) != hWnd->surface) return false;
+  KxGLContext* reader = isLiveContext(hWnd->lastContext) ? hWnd->lastContext : nullptr;
+  if (hWnd->chain->presentedFrame(reader ? reader->context : EGL_NO_CONTEXT, rgba, width, height)) return true;
+  const EGLSurface drawn = hWnd->chain->drawSurface();
+  if (drawn == EGL_NO_SURFACE || eglGetCurrentSurface(EGL_DRAW) != drawn) return false;
   clientSize(hWnd, width, height);
   if (width <= 0 || height <= 0) return false;
   readCurrentPixels(width, height, rgba);
@@ -150,9 +94,8 @@ BOOL GetClientRect(HWND hWnd, RECT* rect) {
 
 BOOL ScreenToClient(HWND hWnd, POINT* pt) {
   if (!isLiveWindow(hWnd) || !pt) return FALSE;
-  if (hWnd->kind != KxWindow::Kind::X11) return TRUE;
   int x = pt->x, y = pt->y;
-  if (!x11ScreenToWindow(hWnd->xdisplay, hWnd->xwindow, x, y)) return FALSE;
+  if (!hWnd->chain->screenToClient(x, y)) return FALSE;
   pt->x = x;
   pt->y = y;
   return TRUE;

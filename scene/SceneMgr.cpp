@@ -6,7 +6,8 @@
 #include <cstdlib>
 
 #include "kxrender/CSceneMgr.h"
-#include "kxrender/KxSystem.h"
+#include "platform/Win32System.h"
+#include "platform/Win32Window.h"
 #include "support/GLTable.h"
 
 CSceneMgr* CSceneMgr::m_currentScenePtr = nullptr;
@@ -122,6 +123,8 @@ bool CSceneMgr::choosePixelFormatEx(HDC hDC, int& format) {
 bool CSceneMgr::initializeRender(HWND hWnd, bool bFlag, bool bDrawCoordinate) {
   (void)bFlag;  // both of its historical branches did the same
   if (!IsWindow(hWnd)) return false;
+  // Bound before: the old context goes first, with the lists made in it.
+  if (m_hRC) glRelease();
   m_bDrawCoordinate = bDrawCoordinate;
   // There is no separate framework window object here: a live window is one.
   HDC dc = GetDC(hWnd);
@@ -137,7 +140,12 @@ bool CSceneMgr::initializeRender(HWND hWnd, bool bFlag, bool bDrawCoordinate) {
   if (!SetPixelFormat(m_hDC, g_nPixelFormat, &pfd)) return false;
   m_hRC = wglCreateContext(m_hDC);
   if (!m_hRC) return false;
-  if (!wglMakeCurrent(m_hDC, m_hRC)) return false;
+  if (!wglMakeCurrent(m_hDC, m_hRC)) {
+    // A context that never became current holds nothing: don't leave it.
+    wglDeleteContext(m_hRC);
+    m_hRC = nullptr;
+    return false;
+  }
   m_bSupportVBO = epoxy_has_gl_extension("GL_ARB_vertex_buffer_object") ||
                   epoxy_has_gl_extension("GL_EXT_vertex_buffer_object");
   ReleaseDC(hWnd, dc);

@@ -6,7 +6,8 @@
 #include "kxrender/AcGeLine3d.h"
 #include "kxrender/AcGePlane.h"
 #include "kxrender/CSceneMgr.h"
-#include "kxrender/KxSystem.h"
+#include "platform/Win32System.h"
+#include "platform/Win32Window.h"
 
 namespace {
 

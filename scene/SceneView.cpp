@@ -5,6 +5,7 @@
 
 #include "kxrender/AcGeLine3d.h"
 #include "kxrender/CSceneMgr.h"
+#include "platform/Win32Window.h"
 #include "support/GLTable.h"
 
 namespace {

@@ -4,7 +4,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/deps.sh
 echo "test: configuring build-test"
-cmake -S . -B build-test -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+cmake -S . -B build-test -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKXRENDER_WERROR=ON >/dev/null
 echo "test: building"
 cmake --build build-test -j"$(nproc)"
 echo "test: running"

@@ -3,7 +3,7 @@
 #include <climits>
 #include <vector>
 
-#include "kxrender/KxSystem.h"
+#include "platform/Win32System.h"
 #include "support/JsonWriter.h"
 
 namespace {

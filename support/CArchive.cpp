@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "kxrender/CString.h"
-#include "kxrender/KxSystem.h"
+#include "platform/Win32System.h"
 
 namespace {
 const WORD kNullTag = 0;

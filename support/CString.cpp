@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "kxrender/KxSystem.h"
+#include "platform/Win32System.h"
 
 namespace {
 int clampIndex(int i, int size) { return i < 0 ? 0 : (i > size ? size : i); }

@@ -3,7 +3,7 @@
 #include "kxrender/CShowUseTime.h"
 #include "kxrender/CUseTime.h"
 #include "kxrender/KxPrintf.h"
-#include "kxrender/KxSystem.h"
+#include "platform/Win32System.h"
 
 static int64_t counter() {
   LARGE_INTEGER c;

@@ -23,7 +23,7 @@ public:
   bool isValid() const { return mNormal.lengthSqrd() > 0.0; }
 
   double signedDistanceTo(const AcGePoint3d& pnt) const { return mNormal.dotProduct(pnt - mOrigin); }
-  AcGePoint3d closestPointTo(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const override {
+  AcGePoint3d closestPointTo(const AcGePoint3d& pnt, const AcGeTol& = AcGeContext::gTol) const override {
     return pnt - mNormal * signedDistanceTo(pnt);
   }
   bool isOn(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const override;

@@ -124,5 +124,4 @@ class KXRENDER_API CObjectSetMgr {
   std::vector<CRenderObject*> m_listedObjects;  // the same, sorted by address
   // Taken ids tried in a row before giving up; tests lower it.
   uint32_t m_idAttemptLimit = 0xFFFFFFFDu;
-  friend struct CObjectSetMgrTestAccess;
 };

@@ -186,10 +186,6 @@ class KXRENDER_API CRenderShape {
   bool isFaceDataNull() const;
 
  private:
-  // Lets the unit tests set state no public call reaches (a display list
-  // name without a GL context).
-  friend struct CRenderShapeTestAccess;
-
   // Every plain field; S is const CRenderShape& to copy, CRenderShape to move.
   template <class S>
   void takeFields(S&& o);

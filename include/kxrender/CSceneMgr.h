@@ -181,10 +181,9 @@ class KXRENDER_API CSceneMgr {
   static int g_nPixelFormat;
 
  private:
-  friend struct CSceneMgrTestAccess;
   struct CameraRecord {
     bool merge;
-    __time64_t time;  // seconds since the epoch
+    int64_t time;  // seconds since the epoch
     CCamera camera;
     double range;
   };

@@ -18,7 +18,6 @@ class KXRENDER_API CUseTime {
   void print(const CString& label);
 
  private:
-  friend struct CUseTimeAccess;  // lets tests set the counts
   void reset() { startCount = endCount; }
 
   int64_t frequency;

@@ -1,15 +1,14 @@
 #pragma once
-// Window system stand-ins. A window (HWND) is either a native X11 window the
-// host already has, or an off-screen window rendered into a pbuffer, so the
-// same engine code draws on screen and headless. The Win32-named functions
-// behave as their Windows counterparts do for the uses the engine makes.
+// Host windows. A window (HWND) is either a native X11 window the host
+// already has, or an off-screen window rendered into pbuffers, so the same
+// engine code draws on screen and headless. A scene binds to one with
+// CSceneMgr::initializeRender.
 #include <cstdint>
 #include <vector>
 
 #include "kxrender/Export.h"
 #include "kxrender/Win32Types.h"
 
-// --- creating and destroying windows -------------------------------------
 // An off-screen window of the given client size (sizes below 1 become 1).
 // Returns null above 16384 pixels a side, or when no off-screen display can
 // be opened.
@@ -23,28 +22,13 @@ KXRENDER_API void KxDestroyWindow(HWND hWnd);
 // The host resizes an off-screen window (as a user would drag a frame);
 // false, leaving the size as it was, above 16384 pixels a side.
 KXRENDER_API bool KxResizeOffscreenWindow(HWND hWnd, int width, int height);
-// The last frame presented by SwapBuffers, as RGBA rows from the top.
-// For a window never swapped, the pixels currently drawn are read instead.
+// The host tells that its X11 window changed size (on ConfigureNotify). The
+// engine keeps the client size it last learnt instead of asking the X server
+// on every frame; false when hWnd is not a window or the server cannot tell.
+// Off-screen windows know their size already: true, nothing to do.
+KXRENDER_API bool KxNotifyWindowResized(HWND hWnd);
+// The last frame presented (by CSceneMgr::finish), as RGBA rows from the top.
+// An off-screen window keeps that frame on the GPU and reads it only here.
+// For a window never presented, or an X11 window, the pixels currently drawn
+// are read instead, which needs the window's context to be current.
 KXRENDER_API bool KxReadWindowPixels(HWND hWnd, std::vector<uint8_t>& rgba, int& width, int& height);
-
-// --- Win32 stand-ins ------------------------------------------------------
-KXRENDER_API BOOL IsWindow(HWND hWnd);
-KXRENDER_API BOOL GetClientRect(HWND hWnd, RECT* rect);
-// Screen to client coordinates. An off-screen window's client area starts at
-// the screen origin, so its points are unchanged.
-KXRENDER_API BOOL ScreenToClient(HWND hWnd, POINT* pt);
-KXRENDER_API HDC GetDC(HWND hWnd);
-KXRENDER_API int ReleaseDC(HWND hWnd, HDC hDC);
-KXRENDER_API HWND WindowFromDC(HDC hDC);
-
-KXRENDER_API int DescribePixelFormat(HDC hDC, int format, UINT bytes, PIXELFORMATDESCRIPTOR* pfd);
-KXRENDER_API int ChoosePixelFormat(HDC hDC, const PIXELFORMATDESCRIPTOR* pfd);
-KXRENDER_API BOOL SetPixelFormat(HDC hDC, int format, const PIXELFORMATDESCRIPTOR* pfd);
-KXRENDER_API int GetPixelFormat(HDC hDC);
-
-KXRENDER_API HGLRC wglCreateContext(HDC hDC);
-KXRENDER_API BOOL wglMakeCurrent(HDC hDC, HGLRC hRC);
-KXRENDER_API BOOL wglDeleteContext(HGLRC hRC);
-KXRENDER_API HGLRC wglGetCurrentContext();
-KXRENDER_API HDC wglGetCurrentDC();
-KXRENDER_API BOOL SwapBuffers(HDC hDC);

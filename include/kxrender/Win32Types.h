@@ -1,24 +1,15 @@
 #pragma once
 // The Windows value and handle types the engine's interface is written in.
-// On Linux the handles name objects of the platform layer (see KxWindow.h).
+// Only names that no common Linux header (X11, EGL, GL, GLU, GLFW) defines
+// differently live here; BYTE matches X11's Xmd.h exactly. On Linux the
+// handles name objects of the platform layer (see KxWindow.h).
 #include <cstdint>
 
-typedef int BOOL;
 typedef unsigned char BYTE;
 typedef unsigned short WORD;
 typedef uint32_t DWORD;
 typedef unsigned int UINT;
 typedef int32_t LONG;
-typedef unsigned short WCHAR;  // UTF-16 code unit, as on Windows
-typedef uint32_t COLORREF;
-typedef int64_t __time64_t;
-
-#ifndef TRUE
-#define TRUE 1
-#endif
-#ifndef FALSE
-#define FALSE 0
-#endif
 
 struct KxWindow;
 struct KxDeviceContext;
@@ -26,7 +17,6 @@ struct KxGLContext;
 typedef KxWindow* HWND;
 typedef KxDeviceContext* HDC;
 typedef KxGLContext* HGLRC;
-typedef void* HMODULE;
 
 struct RECT {
   LONG left, top, right, bottom;
@@ -38,44 +28,6 @@ struct SIZE {
   LONG cx, cy;
 };
 
-union LARGE_INTEGER {
-  struct {
-    DWORD LowPart;
-    LONG HighPart;
-  } u;
-  int64_t QuadPart;
-};
-
-// Pixel format descriptor, with the fields and flags the engine reads.
-struct PIXELFORMATDESCRIPTOR {
-  WORD nSize;
-  WORD nVersion;
-  DWORD dwFlags;
-  BYTE iPixelType;
-  BYTE cColorBits;
-  BYTE cRedBits, cRedShift, cGreenBits, cGreenShift, cBlueBits, cBlueShift;
-  BYTE cAlphaBits, cAlphaShift;
-  BYTE cAccumBits, cAccumRedBits, cAccumGreenBits, cAccumBlueBits, cAccumAlphaBits;
-  BYTE cDepthBits;
-  BYTE cStencilBits;
-  BYTE cAuxBuffers;
-  BYTE iLayerType;
-  BYTE bReserved;
-  DWORD dwLayerMask, dwVisibleMask, dwDamageMask;
-};
-
-#define PFD_DOUBLEBUFFER 0x00000001
-#define PFD_STEREO 0x00000002
-#define PFD_DRAW_TO_WINDOW 0x00000004
-#define PFD_DRAW_TO_BITMAP 0x00000008
-#define PFD_SUPPORT_GDI 0x00000010
-#define PFD_SUPPORT_OPENGL 0x00000020
-#define PFD_GENERIC_FORMAT 0x00000040
-#define PFD_TYPE_RGBA 0
-#define PFD_TYPE_COLORINDEX 1
-#define PFD_MAIN_PLANE 0
-
+// Code pages for KxSetAnsiCodePage.
 #define CP_ACP 0
 #define CP_UTF8 65001
-#define MB_PRECOMPOSED 0x00000001
-#define MB_ERR_INVALID_CHARS 0x00000008

@@ -17,7 +17,7 @@
 #include "kxrender/CRenderSysUtils.h"
 #include "kxrender/CString.h"
 #include "kxrender/CStringArray.h"
-#include "kxrender/KxSystem.h"
+#include "platform/Win32System.h"
 
 using U = CRenderSysUtils;
 

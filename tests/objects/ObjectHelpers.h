@@ -5,6 +5,7 @@
 #include "kxrender/CObjectSetMgr.h"
 #include "kxrender/CRenderObject.h"
 #include "kxrender/CRenderShape.h"
+#include "support/PrivateAccess.h"
 
 // A horizontal rectangle x0..x1 by y0..y1 at height z, facing +z.
 inline CRenderShape rectShape(double x0, double y0, double x1, double y1, double z,
@@ -48,8 +49,11 @@ inline CRenderObject* rectObject(double x0, double y0, double x1, double y1, dou
   return o;
 }
 
+KX_PRIVATE_MEMBER(ObjectsOf, &CObjectSetMgr::m_objects);
+KX_PRIVATE_MEMBER(NextIdOf, &CObjectSetMgr::m_nextId);
+KX_PRIVATE_MEMBER(IdAttemptLimitOf, &CObjectSetMgr::m_idAttemptLimit);
 struct CObjectSetMgrTestAccess {
-  static std::map<unsigned, CRenderObject*>& objects(CObjectSetMgr& s) { return s.m_objects; }
-  static unsigned& nextId(CObjectSetMgr& s) { return s.m_nextId; }
-  static uint32_t& attemptLimit(CObjectSetMgr& s) { return s.m_idAttemptLimit; }
+  static std::map<unsigned, CRenderObject*>& objects(CObjectSetMgr& s) { return s.*privateMember(ObjectsOf{}); }
+  static unsigned& nextId(CObjectSetMgr& s) { return s.*privateMember(NextIdOf{}); }
+  static uint32_t& attemptLimit(CObjectSetMgr& s) { return s.*privateMember(IdAttemptLimitOf{}); }
 };

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <string>
 
-#include "kxrender/KxSystem.h"
+#include "platform/Win32System.h"
 
 namespace {
 struct CodePageGuard {

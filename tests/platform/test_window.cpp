@@ -1,9 +1,10 @@
+#include <epoxy/egl.h>
 #include <epoxy/gl.h>
 #include <gtest/gtest.h>
 
 #include <vector>
 
-#include "kxrender/KxWindow.h"
+#include "platform/Win32Window.h"
 
 namespace {
 struct Window {
@@ -96,7 +97,13 @@ TEST(Context, DrawSwapAndReadBack) {
   glClearColor(1, 0, 0, 1);
   glClear(GL_COLOR_BUFFER_BIT);
   glDisable(GL_SCISSOR_TEST);
+  // Presenting copies nothing back: the context's pixel-store state is
+  // untouched, and reading the frame leaves it as it was too.
+  glPixelStorei(GL_PACK_ALIGNMENT, 8);
   ASSERT_TRUE(SwapBuffers(dc));
+  GLint alignment = 0;
+  glGetIntegerv(GL_PACK_ALIGNMENT, &alignment);
+  EXPECT_EQ(alignment, 8);
   // Drawing after the swap does not change what the window shows.
   glClearColor(0, 1, 0, 1);
   glClear(GL_COLOR_BUFFER_BIT);
@@ -110,6 +117,13 @@ TEST(Context, DrawSwapAndReadBack) {
   EXPECT_EQ(px[2], 0);
   EXPECT_EQ(px[(29 * 40 + 39) * 4 + 2], 255);  // bottom-right blue
   EXPECT_EQ(px[(29 * 40 + 39) * 4 + 0], 0);
+  glGetIntegerv(GL_PACK_ALIGNMENT, &alignment);
+  EXPECT_EQ(alignment, 8);
+  // The frame being drawn is still there after the read.
+  EXPECT_EQ(wglGetCurrentContext(), rc);
+  ASSERT_TRUE(SwapBuffers(dc));
+  ASSERT_TRUE(KxReadWindowPixels(win.hwnd, px, w, h));
+  EXPECT_EQ(px[1], 255);  // green
 
   // A resize keeps the context usable on the new surface.
   ASSERT_TRUE(KxResizeOffscreenWindow(win.hwnd, 10, 8));
@@ -117,14 +131,16 @@ TEST(Context, DrawSwapAndReadBack) {
   glClearColor(1, 1, 1, 1);
   glClear(GL_COLOR_BUFFER_BIT);
   ASSERT_TRUE(SwapBuffers(dc));
-  ASSERT_TRUE(KxReadWindowPixels(win.hwnd, px, w, h));
-  EXPECT_EQ(w, 10);
-  EXPECT_EQ(px.size(), 10u * 8u * 4u);
-  EXPECT_EQ(px[1], 255);
 
   EXPECT_TRUE(wglMakeCurrent(nullptr, nullptr));
   EXPECT_EQ(wglGetCurrentContext(), nullptr);
   EXPECT_TRUE(wglDeleteContext(rc));
   EXPECT_FALSE(wglDeleteContext(rc));
   EXPECT_FALSE(wglMakeCurrent(dc, rc));
+  // The presented frame outlives the context that drew it.
+  ASSERT_TRUE(KxReadWindowPixels(win.hwnd, px, w, h));
+  EXPECT_EQ(w, 10);
+  EXPECT_EQ(px.size(), 10u * 8u * 4u);
+  EXPECT_EQ(px[1], 255);
+  EXPECT_EQ(eglGetCurrentContext(), EGL_NO_CONTEXT);
 }

@@ -5,7 +5,7 @@
 
 #include <epoxy/gl.h>
 
-#include "kxrender/KxWindow.h"
+#include "platform/Win32Window.h"
 
 #include <X11/Xlib.h>
 
@@ -49,9 +49,16 @@ TEST(X11Window, AttachDrawAndSwap) {
   EXPECT_EQ(px[1], 255);
   EXPECT_TRUE(SwapBuffers(dc));
 
-  // The host resizes its window; the client rectangle follows.
+  // The size is known without asking the server on every frame ...
+  const unsigned long request = XNextRequest(display);
+  for (int frame = 0; frame < 3; ++frame) ASSERT_TRUE(GetClientRect(hwnd, &rc));
+  EXPECT_EQ(XNextRequest(display), request);
+  // ... and learnt again when the host reports a resize.
   XResizeWindow(display, xwin, 200, 90);
   XSync(display, False);
+  ASSERT_TRUE(GetClientRect(hwnd, &rc));
+  EXPECT_EQ(rc.right, 160);
+  ASSERT_TRUE(KxNotifyWindowResized(hwnd));
   ASSERT_TRUE(GetClientRect(hwnd, &rc));
   EXPECT_EQ(rc.right, 200);
   EXPECT_EQ(rc.bottom, 90);
@@ -59,6 +66,7 @@ TEST(X11Window, AttachDrawAndSwap) {
   wglMakeCurrent(nullptr, nullptr);
   wglDeleteContext(ctx);
   KxDestroyWindow(hwnd);
+  EXPECT_FALSE(KxNotifyWindowResized(hwnd));
   XDestroyWindow(display, xwin);
   XCloseDisplay(display);
 }

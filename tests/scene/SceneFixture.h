@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "kxrender/CSceneMgr.h"
-#include "kxrender/KxWindow.h"
+#include "platform/Win32Window.h"
 
 // A scene bound to an off-screen window of the given size, released and
 // destroyed at the end of the test.

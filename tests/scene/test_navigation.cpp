@@ -3,14 +3,18 @@
 #include <functional>
 
 #include "SceneFixture.h"
+#include "support/PrivateAccess.h"
 
 // Reaches the history records and the fixed orbit pivot, which the host
 // cannot set (only copying a scene does).
+KX_PRIVATE_MEMBER(CameraStackOf, &CSceneMgr::m_cameraStack);
+KX_PRIVATE_MEMBER(RotateCenterFlagOf, &CSceneMgr::m_bRotateCenter);
+KX_PRIVATE_MEMBER(RotateCenterOf, &CSceneMgr::m_rotateCenter);
 struct CSceneMgrTestAccess {
-  static void age(CSceneMgr& s, long long seconds) { s.m_cameraStack.back().time -= seconds; }
+  static void age(CSceneMgr& s, long long seconds) { (s.*privateMember(CameraStackOf{})).back().time -= seconds; }
   static void fixPivot(CSceneMgr& s, const AcGePoint3d& p) {
-    s.m_bRotateCenter = true;
-    s.m_rotateCenter = p;
+    s.*privateMember(RotateCenterFlagOf{}) = true;
+    s.*privateMember(RotateCenterOf{}) = p;
   }
 };
 

@@ -6,10 +6,12 @@
 
 #include "kxrender/AcGeMatrix3d.h"
 #include "kxrender/CRenderShape.h"
+#include "support/PrivateAccess.h"
 
 // Sets what no public call reaches without a GL context.
+KX_PRIVATE_MEMBER(FaceDisplayListOf, &CRenderShape::m_faceDisplayList);
 struct CRenderShapeTestAccess {
-  static void setDisplayList(CRenderShape& s, unsigned list) { s.m_faceDisplayList = list; }
+  static void setDisplayList(CRenderShape& s, unsigned list) { s.*privateMember(FaceDisplayListOf{}) = list; }
 };
 
 namespace shapetest {

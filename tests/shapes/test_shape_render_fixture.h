@@ -11,6 +11,7 @@
 #include "kxrender/CRenderObject.h"
 #include "kxrender/CRenderShape.h"
 #include "kxrender/CSceneMgr.h"
+#include "platform/Win32Window.h"
 #include "scene/SceneFixture.h"
 #include "support/GLRecorder.h"
 #include "support/GLTable.h"

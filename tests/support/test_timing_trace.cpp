@@ -8,8 +8,9 @@
 #include "kxrender/CShowUseTime.h"
 #include "kxrender/CUseTime.h"
 #include "kxrender/KxPrintf.h"
-#include "kxrender/KxSystem.h"
+#include "platform/Win32System.h"
 #include "kxrender/KxTraceChannel.h"
+#include "support/PrivateAccess.h"
 
 namespace {
 // Each test process talks on its own channel, so tests may run in parallel.
@@ -21,12 +22,15 @@ struct PrivateChannel {
 } const privateChannel;
 }  // namespace
 
+KX_PRIVATE_MEMBER(StartCountOf, &CUseTime::startCount);
+KX_PRIVATE_MEMBER(EndCountOf, &CUseTime::endCount);
+KX_PRIVATE_MEMBER(FrequencyOf, &CUseTime::frequency);
 struct CUseTimeAccess {
   static void setCounts(CUseTime& t, int64_t start, int64_t end) {
-    t.startCount = start;
-    t.endCount = end;
+    t.*privateMember(StartCountOf{}) = start;
+    t.*privateMember(EndCountOf{}) = end;
   }
-  static int64_t frequency(const CUseTime& t) { return t.frequency; }
+  static int64_t frequency(const CUseTime& t) { return t.*privateMember(FrequencyOf{}); }
 };
 
 TEST(CUseTime, MicrosecondsAndMillisecondText) {

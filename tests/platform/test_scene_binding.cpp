@@ -1,0 +1,118 @@
+// Binding scenes to windows: the process-wide pixel format on windows of
+// both kinds, and what a failed or repeated binding leaves behind.
+// gtest first: Xlib's macros (None, Bool, ...) would break its headers.
+#include <gtest/gtest.h>
+
+#include <epoxy/gl.h>
+
+#include <atomic>
+#include <thread>
+
+#include "kxrender/CSceneMgr.h"
+#include "platform/Win32Window.h"
+#include "platform/WindowImpl.h"
+
+#include <X11/Xlib.h>
+
+namespace {
+
+struct X11Host {
+  Display* display = XOpenDisplay(nullptr);
+  Window xwin = 0;
+  X11Host() {
+    if (!display) return;
+    xwin = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 64, 48, 0, 0, 0);
+    XMapWindow(display, xwin);
+    XSync(display, False);
+  }
+  ~X11Host() {
+    if (!display) return;
+    XDestroyWindow(display, xwin);
+    XCloseDisplay(display);
+  }
+};
+
+struct Bits {
+  GLint alpha = 0, depth = 0, stencil = 0;
+};
+Bits currentBits() {
+  Bits b;
+  glGetIntegerv(GL_ALPHA_BITS, &b.alpha);
+  glGetIntegerv(GL_DEPTH_BITS, &b.depth);
+  glGetIntegerv(GL_STENCIL_BITS, &b.stencil);
+  return b;
+}
+
+}  // namespace
+
+// The format chosen on the first window means the same buffers on the
+// second, whichever kind comes first.
+TEST(SceneBinding, OneFormatServesX11AndOffscreenWindowsInEitherOrder) {
+  for (bool x11First : {true, false}) {
+    SCOPED_TRACE(x11First ? "X11 first" : "off-screen first");
+    X11Host host;
+    if (!host.display) GTEST_SKIP() << "no X display";
+    HWND x11 = KxAttachX11Window(host.display, host.xwin);
+    HWND offscreen = KxCreateOffscreenWindow(64, 48);
+    ASSERT_TRUE(x11 && offscreen);
+    CSceneMgr::g_nPixelFormat = 0;
+    CSceneMgr first, second;
+    ASSERT_TRUE(first.initializeRender(x11First ? x11 : offscreen, false, false));
+    const Bits chosen = currentBits();
+    EXPECT_EQ(chosen.alpha, 8);
+    EXPECT_GE(chosen.stencil, 8);
+    ASSERT_TRUE(second.initializeRender(x11First ? offscreen : x11, false, false));
+    const Bits other = currentBits();
+    EXPECT_EQ(other.alpha, chosen.alpha);
+    EXPECT_EQ(other.depth, chosen.depth);
+    EXPECT_EQ(other.stencil, chosen.stencil);
+    second.glRelease();
+    first.glRelease();
+    KxDestroyWindow(offscreen);
+    KxDestroyWindow(x11);
+  }
+}
+
+TEST(SceneBinding, BindingAgainReleasesTheFirstContext) {
+  HWND a = KxCreateOffscreenWindow(32, 32), b = KxCreateOffscreenWindow(32, 32);
+  const size_t before = kxplatform::liveContextCount();
+  CSceneMgr scene;
+  ASSERT_TRUE(scene.initializeRender(a, false, false));
+  ASSERT_TRUE(scene.initializeRender(b, false, false));
+  EXPECT_EQ(kxplatform::liveContextCount(), before + 1);
+  EXPECT_EQ(scene.getWndHandle(), b);
+  scene.glRelease();
+  EXPECT_EQ(kxplatform::liveContextCount(), before);
+  KxDestroyWindow(a);
+  KxDestroyWindow(b);
+}
+
+// Another thread holds the window's surface, so the new context cannot be
+// made current on it: the binding fails and the context is gone.
+TEST(SceneBinding, FailingToMakeTheContextCurrentLeavesNoContext) {
+  HWND w = KxCreateOffscreenWindow(32, 32);
+  HDC dc = GetDC(w);
+  if (CSceneMgr::g_nPixelFormat == 0) ASSERT_TRUE(CSceneMgr::choosePixelFormatEx(dc, CSceneMgr::g_nPixelFormat));
+  ASSERT_TRUE(SetPixelFormat(dc, CSceneMgr::g_nPixelFormat, nullptr));
+  EGLContext foreign = w->platform->createContext(w->config);
+  std::atomic<int> step{0};
+  std::thread holder([&] {
+    const EGLSurface s = w->chain->drawSurface();
+    eglMakeCurrent(w->platform->display(), s, s, foreign);
+    step = 1;
+    while (step != 2) std::this_thread::yield();
+    eglMakeCurrent(w->platform->display(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    eglReleaseThread();
+  });
+  while (step != 1) std::this_thread::yield();
+  const size_t before = kxplatform::liveContextCount();
+  CSceneMgr scene;
+  EXPECT_FALSE(scene.initializeRender(w, false, false));
+  EXPECT_EQ(scene.getHRC(), nullptr);
+  EXPECT_EQ(kxplatform::liveContextCount(), before);
+  EXPECT_EQ(scene.getWndHandle(), w);  // what was set before the failure stays
+  step = 2;
+  holder.join();
+  w->platform->destroyContext(foreign);
+  KxDestroyWindow(w);
+}
