@@ -22,12 +22,11 @@ CRenderShape quadFace(const CColor& clr = CColor(0, 200, 0, 255)) {
   return s;
 }
 
+// The recorded calls from the first `from` call to the first `to` call.
 std::vector<std::string> between(const GLRecorder& rec, const std::string& from, const std::string& to) {
   const int a = rec.find(from), b = rec.find(to);
-  std::vector<std::string> out;
-  if (a < 0 || b < a) return out;
-  for (int i = a; i <= b; ++i) out.push_back(rec.calls()[i].text());
-  return out;
+  const std::vector<std::string> all = texts(rec);
+  return a < 0 || b < a ? std::vector<std::string>() : std::vector<std::string>(all.begin() + a, all.begin() + b + 1);
 }
 }  // namespace
 
@@ -43,14 +42,15 @@ TEST(ShapeRenderFaceCalls, MissingArraysDrawNothing) {
   none.setFaceTriangleIndexArray(&idx);
   none.renderFace(&so.obj, 2);  // still no normals
   none.renderFace(&so.obj, 0);
-  EXPECT_TRUE(rec.calls().empty());
-  EXPECT_EQ(none.getFaceDisplayList(), 0u);
+  EXPECT_TRUE(rec.calls().empty() && none.getFaceDisplayList() == 0u);
 }
 
 class ShapeRenderFace : public ShapeFrame {};
 
-TEST_F(ShapeRenderFace, ListIsCompiledOnceThenCalled) {
+TEST_F(ShapeRenderFace, ListIsCompiledOnceThenCalledAndBadIndicesAreDropped) {
   CRenderShape s = quadFace();
+  std::vector<int> idx = {0, 1, 2, 0, 2, 99, 0, -1, 3, 0, 2, 3, 1};  // two good triangles and a stray index
+  s.setFaceTriangleIndexArray(&idx);
   s.setZOffset(2.5f);
   beginFrame();
   GLRecorder rec(true);
@@ -60,19 +60,16 @@ TEST_F(ShapeRenderFace, ListIsCompiledOnceThenCalled) {
   EXPECT_EQ(rec.count("glGenLists"), 1u);
   std::vector<std::string> expected = {"glNewList(" + num(list) + ", " + num(GL_COMPILE_AND_EXECUTE) + ")",
                                        "glBegin(" + num(GL_TRIANGLES) + ")"};
-  const double xy[4][2] = {{8, 8}, {56, 8}, {56, 56}, {8, 56}};
+  const char* corners[] = {"8, 8", "56, 8", "56, 56", "8, 56"};
   for (int i : {0, 1, 2, 0, 2, 3}) {
     expected.push_back("glNormal3f(0, 0, 1)");
-    char buf[64];
-    std::snprintf(buf, sizeof buf, "glVertex3f(%g, %g, 2.5)", xy[i][0], xy[i][1]);
-    expected.push_back(buf);
+    expected.push_back("glVertex3f(" + std::string(corners[i]) + ", 2.5)");
   }
   expected.push_back("glEnd()");
   expected.push_back("glEndList()");
   EXPECT_EQ(between(rec, "glNewList", "glEndList"), expected);
   EXPECT_EQ(findText(rec, "glLineWidth(1.20000005)"), rec.find("glLineWidth"));
   EXPECT_GE(findText(rec, "glColor4ub(0, 200, 0, 255)"), 0);
-
   rec.clear();
   s.render(4, &obj, &scale, false);
   EXPECT_EQ(rec.count("glGenLists") + rec.count("glNewList") + rec.count("glBegin"), 0u);
@@ -90,20 +87,16 @@ TEST_F(ShapeRenderFace, WireFrameDrawsEdgesAndNeverAList) {
   s.render(0, &obj, &scale, false);
   EXPECT_EQ(rec.count("glGenLists") + rec.count("glIsList") + rec.count("glCallList"), 0u);
   EXPECT_EQ(countText(rec, "glDrawArrays(" + num(GL_LINE_STRIP) + ", 0, 5)"), 1u);
-  EXPECT_EQ(s.getFaceDisplayList(), 0u);
   endFrame();
   EXPECT_TRUE(near(rgb(32, 32), 0, 0, 0));  // edges only
   bool edge = false;
   for (int x = 6; x <= 10; ++x) edge = edge || near(rgb(x, 32), 0, 200, 0);
   EXPECT_TRUE(edge);
-
-  // A hit face leaves its edges to the dashed outline pass.
-  s.setHit(true);
+  s.setHit(true);  // a hit face leaves its edges to the dashed outline pass
   rec.clear();
   s.render(0, &obj, &scale, false);
   EXPECT_EQ(rec.count("glDrawArrays"), 0u);
-  ASSERT_EQ(scene.getObjSetMgr()->outlineShapes().size(), 1u);
-  EXPECT_EQ(scene.getObjSetMgr()->outlineShapes()[0], &s);
+  EXPECT_EQ(scene.getObjSetMgr()->outlineShapes(), (std::vector<const CRenderShape*>{&s}));
   EXPECT_EQ(s.getFaceDisplayList(), 0u);
 }
 
@@ -116,22 +109,15 @@ TEST_F(ShapeRenderFace, HighlightWrapsTheListCall) {
   rec.clear();
   s.render(2, &obj, &scale, false);
   const unsigned list = s.getFaceDisplayList();
-  const std::vector<std::string> all = texts(rec);
-  const std::vector<std::string> expected = {"glNormal3d(0, 0, 1)",
-                                             "glLineWidth(1.20000005)",
-                                             "glColor4ub(100, 100, 100, 255)",
-                                             kPush,
-                                             "glDepthRange(0.09995, 1)",
-                                             "glColor3ub(255, 255, 255)",
-                                             "glEnable(" + num(GL_POLYGON_STIPPLE) + ")",
-                                             "glPolygonStipple(1)",
-                                             "glIsList(" + num(list) + ")",
-                                             "glCallList(" + num(list) + ")",
-                                             "glPopAttrib()",
-                                             "glDisable(" + num(GL_POLYGON_STIPPLE) + ")"};
-  ASSERT_FALSE(all.empty());
+  ASSERT_FALSE(rec.calls().empty());
   EXPECT_EQ(rec.calls()[0].name, "glPolygonOffset");
-  EXPECT_EQ(std::vector<std::string>(all.begin() + 1, all.end()), expected);
+  EXPECT_EQ(between(rec, "glNormal3d", "glDisable"),
+            (std::vector<std::string>{"glNormal3d(0, 0, 1)", "glLineWidth(1.20000005)", "glColor4ub(100, 100, 100, 255)",
+                                      kPush, "glDepthRange(0.09995, 1)", "glColor3ub(255, 255, 255)",
+                                      "glEnable(" + num(GL_POLYGON_STIPPLE) + ")", "glPolygonStipple(1)",
+                                      "glIsList(" + num(list) + ")", "glCallList(" + num(list) + ")", "glPopAttrib()",
+                                      "glDisable(" + num(GL_POLYGON_STIPPLE) + ")"}));
+  EXPECT_EQ(rec.calls().back().name, "glDisable");
   endFrame();
   s.releaseDisplayList();
 }
@@ -147,24 +133,12 @@ TEST_F(ShapeRenderFace, BorderAndSceneAlphaAreCompiledIn) {
   GLRecorder rec(true);
   const double big = 300.0;
   s.render(2, &obj, &big, false);
-  const std::vector<std::string> list = between(rec, "glNewList", "glEndList");
-  const std::vector<std::string> tail = {kPush,
-                                         "glDepthRange(0.09995, 1)",
-                                         "glLineWidth(2)",
-                                         "glColor4ub(200, 0, 0, 90)",
-                                         "glBegin(" + num(GL_LINE_STRIP) + ")",
-                                         "glVertex3d(8, 8, 1)",
-                                         "glVertex3d(56, 8, 1)",
-                                         "glVertex3d(56, 56, 1)",
-                                         "glVertex3d(8, 56, 1)",
-                                         "glVertex3d(8, 8, 1)",
-                                         "glEnd()",
-                                         "glColor4ub(1, 2, 3, 90)",
-                                         "glLineWidth(1.20000005)",
-                                         "glPopAttrib()",
-                                         "glEndList()"};
-  ASSERT_GE(list.size(), tail.size());
-  EXPECT_EQ(std::vector<std::string>(list.end() - tail.size(), list.end()), tail);
+  EXPECT_EQ(between(rec, "glPushAttrib", "glEndList"),
+            (std::vector<std::string>{kPush, "glDepthRange(0.09995, 1)", "glLineWidth(2)", "glColor4ub(200, 0, 0, 90)",
+                                      "glBegin(" + num(GL_LINE_STRIP) + ")", "glVertex3d(8, 8, 1)", "glVertex3d(56, 8, 1)",
+                                      "glVertex3d(56, 56, 1)", "glVertex3d(8, 56, 1)", "glVertex3d(8, 8, 1)", "glEnd()",
+                                      "glColor4ub(1, 2, 3, 90)", "glLineWidth(1.20000005)", "glPopAttrib()",
+                                      "glEndList()"}));
   endFrame();
   EXPECT_TRUE(near(rgb(8, 32), 200, 0, 0, 40) || near(rgb(7, 32), 200, 0, 0, 40));
   s.releaseDisplayList();
@@ -172,7 +146,7 @@ TEST_F(ShapeRenderFace, BorderAndSceneAlphaAreCompiledIn) {
 
 TEST_F(ShapeRenderFace, TextureOnlyWithAMatchingCoordinateArray) {
   CRenderShape s = quadFace();
-  std::vector<AcGePoint2d> uv = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
+  std::vector<AcGePoint2d> uv = {{0, 0}, {1, 0}, {1, 1}, {0, 1}}, few = {{0, 0}, {1, 0}};
   s.setFaceTexCoordArray(&uv);
   s.setTexture(9u);
   beginFrame();
@@ -186,26 +160,11 @@ TEST_F(ShapeRenderFace, TextureOnlyWithAMatchingCoordinateArray) {
   EXPECT_EQ(rec.count("glTexCoord2f"), 6u);
   EXPECT_EQ(findText(rec, "glTexCoord2f(1, 1)"), findText(rec, "glVertex3f(56, 56, 0)") - 1);
   s.releaseDisplayList();
-
-  std::vector<AcGePoint2d> few = {{0, 0}, {1, 0}};
   s.setFaceTexCoordArray(&few);
   rec.clear();
   s.render(2, &obj, &scale, false);
   EXPECT_EQ(rec.count("glTexCoord2f") + rec.count("glBindTexture"), 0u);
   endFrame();
-  s.releaseDisplayList();
-}
-
-TEST_F(ShapeRenderFace, BadIndicesDropTheirTriangles) {
-  CRenderShape s = quadFace();
-  std::vector<int> idx = {0, 1, 2, 0, 2, 99, 0, -1, 3, 0, 2, 3, 1};
-  s.setFaceTriangleIndexArray(&idx);
-  beginFrame();
-  GLRecorder rec(true);
-  s.render(2, &obj, &scale, false);
-  EXPECT_EQ(rec.count("glVertex3f"), 6u);  // the two good triangles
-  endFrame();
-  EXPECT_TRUE(near(rgb(32, 32), 0, 200, 0));
   s.releaseDisplayList();
 }
 
@@ -215,36 +174,22 @@ TEST_F(ShapeRenderFace, ReleaseDeletesOnceAndForgetsStaleNames) {
   s.render(2, &obj, &scale, false);
   unsigned list = s.getFaceDisplayList();
   ASSERT_TRUE(glIsList(list));
-  {
-    GLRecorder rec(true);
-    s.releaseDisplayList();
-    EXPECT_EQ(texts(rec), (std::vector<std::string>{"glIsList(" + num(list) + ")",
-                                                    "glDeleteLists(" + num(list) + ", 1)"}));
-    EXPECT_EQ(s.getFaceDisplayList(), 0u);
-    EXPECT_FALSE(glIsList(list));
-    rec.clear();
-    s.releaseDisplayList();
-    EXPECT_TRUE(rec.calls().empty());
-    EXPECT_EQ(s.getFaceDisplayList(), 0u);
-  }
-
-  // A name whose list is gone already: only forgotten.
-  s.render(2, &obj, &scale, false);
-  list = s.getFaceDisplayList();
-  glDeleteLists(list, 1);
-  {
-    GLRecorder rec(true);
-    s.releaseDisplayList();
-    EXPECT_EQ(rec.count("glDeleteLists"), 0u);
-    EXPECT_EQ(s.getFaceDisplayList(), 0u);
-  }
-
-  // reValueDispList forgets without deleting; the next draw compiles anew.
-  s.render(2, &obj, &scale, false);
+  GLRecorder rec(true);
+  s.releaseDisplayList();
+  EXPECT_EQ(texts(rec), (std::vector<std::string>{"glIsList(" + num(list) + ")", "glDeleteLists(" + num(list) + ", 1)"}));
+  EXPECT_TRUE(s.getFaceDisplayList() == 0u && !glIsList(list));
+  rec.clear();
+  s.releaseDisplayList();  // twice: nothing
+  EXPECT_TRUE(rec.calls().empty());
+  s.render(2, &obj, &scale, false);  // a name whose list is gone already: only forgotten
+  glDeleteLists(s.getFaceDisplayList(), 1);
+  rec.clear();
+  s.releaseDisplayList();
+  EXPECT_TRUE(rec.count("glDeleteLists") == 0u && s.getFaceDisplayList() == 0u);
+  s.render(2, &obj, &scale, false);  // reValueDispList forgets without deleting; the next draw compiles anew
   list = s.getFaceDisplayList();
   s.reValueDispList();
-  EXPECT_EQ(s.getFaceDisplayList(), 0u);
-  EXPECT_TRUE(glIsList(list));
+  EXPECT_TRUE(s.getFaceDisplayList() == 0u && glIsList(list));
   s.render(2, &obj, &scale, false);
   EXPECT_NE(s.getFaceDisplayList(), list);
   glDeleteLists(list, 1);
