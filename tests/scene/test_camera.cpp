@@ -23,20 +23,15 @@ TEST(CCamera, MovesAndTurns) {
     AcGeVector3d wantLocation, wantUp, wantForward;
   } rows[] = {
       {"right", o, y, -z, [](CCamera& c) { c.MoveCameraRight(1); }, -x, y, -z},
-      {"right by side = up x forward, unnormalised", o, 2 * y, -z, [](CCamera& c) { c.MoveCameraRight(1); }, -2 * x,
-       2 * y, -z},
+      {"right by up x forward, unnormalised", o, 2 * y, -z, [](CCamera& c) { c.MoveCameraRight(1); }, -2 * x, 2 * y, -z},
       {"local", o, y, -z, [](CCamera& c) { c.TranslateCaremaLocal(AcGeVector3d(1, 2, 3)); }, {-1, 2, -3}, y, -z},
-      {"world", {-1, 2, -3}, y, -z, [](CCamera& c) { c.TranslateCaremaWorld(AcGeVector3d(1, 1, 1)); }, {0, 3, -2}, y, -z},
+      {"world", o, y, -z, [](CCamera& c) { c.TranslateCaremaWorld(AcGeVector3d(1, 1, 1)); }, {1, 1, 1}, y, -z},
       {"world z, whatever the pivot's z", {10, 0, 7}, z, -x,
        [](CCamera& c) { c.RotateCaremaRealWorldZ(M_PI / 2, AcGePoint3d(0, 0, 100)); }, {0, 10, 7}, z, -y},
-      {"orbit about side = (-1, 0, 0)", 10 * z, y, -z,
-       [](CCamera& c) { c.RotateCaremaRight(M_PI / 2, AcGePoint3d::kOrigin); }, 10 * y, -z, -y},
-      {"roll, right-handed about -z", o, y, -z, [](CCamera& c) { c.RotateCaremaFront(M_PI / 2, AcGePoint3d::kOrigin); },
-       o, x, -z},
-      {"slide along the line of sight", {3, 4, 50}, y, -z, [](CCamera& c) { c.OrthoNormal(AcGePoint3d(100, 100, 5)); },
-       {3, 4, 5}, y, -z},
-      {"no line of sight: stays", {1, 1, 1}, y, o, [](CCamera& c) { c.OrthoNormal(AcGePoint3d(9, 9, 9)); }, {1, 1, 1},
-       y, o}};
+      {"orbit about the side (-1, 0, 0)", 10 * z, y, -z, [](CCamera& c) { c.RotateCaremaRight(M_PI / 2, {}); }, 10 * y, -z, -y},
+      {"roll, right-handed about -z", o, y, -z, [](CCamera& c) { c.RotateCaremaFront(M_PI / 2, {}); }, o, x, -z},
+      {"slide along the line of sight", {3, 4, 50}, y, -z, [](CCamera& c) { c.OrthoNormal({100, 100, 5}); }, {3, 4, 5}, y, -z},
+      {"no line of sight: stays", {1, 1, 1}, y, o, [](CCamera& c) { c.OrthoNormal({9, 9, 9}); }, {1, 1, 1}, y, o}};
   for (const auto& r : rows) {
     CCamera cam;
     cam.ReSet(r.location, r.up, r.forward);

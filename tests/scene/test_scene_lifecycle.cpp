@@ -63,22 +63,6 @@ TEST(SceneState, AnUnboundSceneRefusesBadWindowsAndSurvivesFrameCalls) {
   EXPECT_EQ(s.getFrustumWidth(), 150.0);
 }
 
-TEST_F(SceneFixture, SecondSceneReusesTheProcessPixelFormat) {
-  open(32, 32);
-  const int format = CSceneMgr::g_nPixelFormat;
-  ASSERT_GE(format, 1);
-  EXPECT_TRUE(scene.openglSupportVertexBufferObject());
-  HWND other = KxCreateOffscreenWindow(16, 16);
-  CSceneMgr second;
-  ASSERT_TRUE(second.initializeRender(other, true, true));
-  EXPECT_EQ(CSceneMgr::g_nPixelFormat, format);
-  EXPECT_EQ(GetPixelFormat(GetDC(other)), format);
-  second.glRelease();
-  EXPECT_EQ(second.getHRC(), nullptr);
-  KxDestroyWindow(other);
-  scene.restoreHRC();
-}
-
 TEST_F(SceneFixture, FrameClearsToTheBackgroundColourAfterTheQueuedLists) {
   open(80, 60);
   scene.setBkColor(0xAAFF8040UL);  // red 0x40, green 0x80, blue 0xFF; the top byte is dropped
@@ -116,8 +100,19 @@ TEST_F(SceneFixture, FrameClearsToTheBackgroundColourAfterTheQueuedLists) {
   EXPECT_EQ(rc, CRect(0, 0, 80, 60));
 }
 
-TEST_F(SceneFixture, LightSwitchOutlivesLightInitAndTheContextIsReleased) {
+TEST_F(SceneFixture, PixelFormatLightSwitchAndReleasingTheContext) {
   open(16, 16);
+  const int format = CSceneMgr::g_nPixelFormat;  // chosen once for the process
+  ASSERT_GE(format, 1);
+  EXPECT_TRUE(scene.openglSupportVertexBufferObject());
+  HWND other = KxCreateOffscreenWindow(16, 16);
+  CSceneMgr second;
+  ASSERT_TRUE(second.initializeRender(other, true, true));
+  EXPECT_TRUE(CSceneMgr::g_nPixelFormat == format && GetPixelFormat(GetDC(other)) == format);
+  second.glRelease();
+  EXPECT_EQ(second.getHRC(), nullptr);
+  KxDestroyWindow(other);
+  scene.restoreHRC();
   EXPECT_TRUE(glIsEnabled(GL_LIGHTING) && glIsEnabled(GL_COLOR_MATERIAL));
   EXPECT_FALSE(glIsEnabled(GL_BLEND));  // the passes switch blending on
   scene.setLightOpen(false);
