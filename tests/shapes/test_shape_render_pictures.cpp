@@ -24,11 +24,13 @@ class ShapeRenderPictures : public ShapeFrame {
 };
 
 TEST_F(ShapeRenderPictures, FillLeavesTheHoleOpenWireFrameFollowsEveryContour) {
-  const struct { int mode; Points lit, dark; } rows[] = {
-      {2, {{12, 12}, {50, 30}, {30, 50}}, {{32, 32}, {27, 36}, {3, 3}, {60, 32}}},
-      {0, {{8, 16}, {8, 32}, {8, 48}, {55, 16}, {55, 32}, {55, 48}, {24, 32}, {39, 32}, {32, 24}}, {{16, 16}, {32, 32}}}};
+  const CColor cyan(0, 255, 255, 255);
+  const struct { int mode; CRenderShape s; Points lit, dark; } rows[] = {
+      {2, ring(cyan), {{12, 12}, {50, 30}, {30, 50}}, {{32, 32}, {27, 36}, {3, 3}, {60, 32}}},  // strips of any size
+      {2, polygon(rect(8, 8, 56, 56), {}, cyan), {{12, 12}, {52, 12}, {12, 52}, {52, 52}}, {{3, 3}, {60, 60}}},  // one quad strip
+      {0, ring(cyan), {{8, 16}, {8, 32}, {8, 48}, {55, 16}, {55, 32}, {55, 48}, {24, 32}, {39, 32}, {32, 24}}, {{16, 16}, {32, 32}}}};
   for (const auto& r : rows) {
-    CRenderShape s = ring(CColor(0, 255, 255, 255));
+    CRenderShape s = r.s;
     draw(s, r.mode);
     for (const auto& p : r.lit) EXPECT_TRUE(near(rgb(p.first, p.second), 0, 255, 255)) << r.mode << ": " << p.first << ", " << p.second;
     for (const auto& p : r.dark) EXPECT_TRUE(near(rgb(p.first, p.second), 0, 0, 0)) << r.mode << ": " << p.first << ", " << p.second;
