@@ -8,28 +8,6 @@
 #include "SceneFixture.h"
 #include "support/GLRecorder.h"
 
-TEST(SceneProjection, HalfExtentsDepthRangeAndZeroSizedClient) {
-  HWND w = KxCreateOffscreenWindow(800, 600);
-  CSceneMgr s, unbound;
-  ASSERT_TRUE(s.initializeRender(w, false, false));
-  GLRecorder rec(true);
-  s.setViewport();
-  EXPECT_TRUE(s.getFrustumWidth() == 200.0 && s.getFrustumHeight() == 150.0 && s.getPixelsPerUnit() == 4.0);
-  EXPECT_DOUBLE_EQ(s.getPickPrecision(), 12 * 200.0 / 800.0);
-  // Default set box of +-10: its radius is far inside 100 x the larger extent.
-  ASSERT_GE(rec.find("glOrtho"), 0);
-  EXPECT_EQ(rec.calls()[size_t(rec.find("glOrtho"))].text(), "glOrtho(-200, 200, -150, 150, -40000, 40000)");
-  ASSERT_TRUE(KxResizeOffscreenWindow(w, 300, 900));  // taller than wide
-  s.setViewport();
-  EXPECT_TRUE(s.getFrustumWidth() == 150.0 && s.getFrustumHeight() == 450.0 && s.getPixelsPerUnit() == 2.0);
-  s.glRelease();
-  KxDestroyWindow(w);
-  rec.clear();  // without a window the client area is 0 x 0, which counts as 1 x 1
-  unbound.setViewport();
-  EXPECT_EQ(rec.calls()[0].text(), "glViewport(0, 0, 1, 1)");
-  EXPECT_TRUE(unbound.getFrustumWidth() == 150.0 && unbound.getFrustumHeight() == 150.0);
-}
-
 TEST(SceneProjection, RangeLimits) {
   CSceneMgr s;
   const struct { bool scale; double value; bool ok; double range; } rows[] = {
@@ -65,6 +43,24 @@ class SceneConversion : public SceneFixture {
     return nearPt + (farPt - nearPt) * depth;
   }
 };
+
+TEST_F(SceneConversion, HalfExtentsDepthRangeAndZeroSizedClient) {
+  GLRecorder rec(true);
+  scene.setViewport();
+  EXPECT_TRUE(scene.getFrustumWidth() == 200.0 && scene.getFrustumHeight() == 150.0 && scene.getPixelsPerUnit() == 4.0);
+  EXPECT_DOUBLE_EQ(scene.getPickPrecision(), 12 * 200.0 / 800.0);
+  // Default set box of +-10: its radius is far inside 100 x the larger extent.
+  ASSERT_GE(rec.find("glOrtho"), 0);
+  EXPECT_EQ(rec.calls()[size_t(rec.find("glOrtho"))].text(), "glOrtho(-200, 200, -150, 150, -40000, 40000)");
+  ASSERT_TRUE(KxResizeOffscreenWindow(window, 300, 900));  // taller than wide
+  scene.setViewport();
+  EXPECT_TRUE(scene.getFrustumWidth() == 150.0 && scene.getFrustumHeight() == 450.0 && scene.getPixelsPerUnit() == 2.0);
+  CSceneMgr unbound;  // without a window the client area is 0 x 0, which counts as 1 x 1
+  rec.clear();
+  unbound.setViewport();
+  EXPECT_EQ(rec.calls()[0].text(), "glViewport(0, 0, 1, 1)");
+  EXPECT_TRUE(unbound.getFrustumWidth() == 150.0 && unbound.getFrustumHeight() == 150.0);
+}
 
 TEST_F(SceneConversion, FrustumPlanesAreFiveUnitAndInward) {
   const auto& planes = scene.getFrustumPlanes();
