@@ -1,7 +1,5 @@
 // Projection, view range, the frustum behind the view and behind a screen
 // rectangle, and the conversions between screen and world.
-#include <epoxy/gl.h>
-
 #include <cmath>
 #include <limits>
 

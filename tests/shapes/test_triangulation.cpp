@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <string>
 
 #include "kxrender/AcGeMatrix3d.h"
 #include "kxrender/CRenderShape.h"
