@@ -99,14 +99,6 @@ TEST(ShapeRenderLineWidth, ScaledByViewOverFifteenAndClamped) {
     s.setBorderMaxWidth(r.max);
     EXPECT_FLOAT_EQ(s.lineWidth(r.scale), r.width) << r.max;
   }
-  SceneObject so;
-  s.setBorderMaxWidth(8.0);
-  GLRecorder rec(false);
-  s.render(0, &so.obj, &fifty, false);
-  EXPECT_EQ(findText(rec, "glLineWidth(4)"), 2);
-  rec.clear();
-  s.render(2, &so.obj, &twoHundred, false);
-  EXPECT_EQ(countText(rec, "glLineWidth(8)"), 1u);
 }
 
 TEST(ShapeRenderWireFrame, EveryContourAsALineStripInTheSceneAlpha) {
