@@ -1,7 +1,9 @@
+// Camera moves and turns, the view it sets and its archive form.
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstring>
+#include <functional>
 
 #include "kxrender/CArchive.h"
 #include "kxrender/CCamera.h"
@@ -12,68 +14,45 @@ namespace {
 bool near(const AcGeVector3d& a, const AcGeVector3d& b) { return (a - b).length() < 1e-12; }
 }  // namespace
 
-TEST(CCamera, DefaultsAndLook) {
-  CCamera cam;
-  cam.MoveCameraForward(3);
-  cam.ReSet();
+TEST(CCamera, MovesAndTurns) {
+  const AcGeVector3d o(0, 0, 0), x(1, 0, 0), y(0, 1, 0), z(0, 0, 1);
+  const struct {
+    const char* what;
+    AcGeVector3d location, up, forward;  // before
+    std::function<void(CCamera&)> op;
+    AcGeVector3d wantLocation, wantUp, wantForward;
+  } rows[] = {
+      {"right", o, y, -z, [](CCamera& c) { c.MoveCameraRight(1); }, -x, y, -z},
+      {"right by up x forward, unnormalised", o, 2 * y, -z, [](CCamera& c) { c.MoveCameraRight(1); }, -2 * x, 2 * y, -z},
+      {"local", o, y, -z, [](CCamera& c) { c.TranslateCaremaLocal(AcGeVector3d(1, 2, 3)); }, {-1, 2, -3}, y, -z},
+      {"world", o, y, -z, [](CCamera& c) { c.TranslateCaremaWorld(AcGeVector3d(1, 1, 1)); }, {1, 1, 1}, y, -z},
+      {"world z, whatever the pivot's z", {10, 0, 7}, z, -x,
+       [](CCamera& c) { c.RotateCaremaRealWorldZ(M_PI / 2, AcGePoint3d(0, 0, 100)); }, {0, 10, 7}, z, -y},
+      {"orbit about the side (-1, 0, 0)", 10 * z, y, -z, [](CCamera& c) { c.RotateCaremaRight(M_PI / 2, {}); }, 10 * y, -z, -y},
+      {"roll, right-handed about -z", o, y, -z, [](CCamera& c) { c.RotateCaremaFront(M_PI / 2, {}); }, o, x, -z},
+      {"slide along the line of sight", {3, 4, 50}, y, -z, [](CCamera& c) { c.OrthoNormal({100, 100, 5}); }, {3, 4, 5}, y, -z},
+      {"no line of sight: stays", {1, 1, 1}, y, o, [](CCamera& c) { c.OrthoNormal({9, 9, 9}); }, {1, 1, 1}, y, o}};
+  for (const auto& r : rows) {
+    CCamera cam;
+    cam.ReSet(r.location, r.up, r.forward);
+    r.op(cam);
+    EXPECT_TRUE(near(cam.GetVLocation(), r.wantLocation) && near(cam.GetVUp(), r.wantUp) &&
+                near(cam.GetVForward(), r.wantForward))
+        << r.what;
+  }
+  CCamera eyePivot;  // turning about the eye turns only the directions
+  eyePivot.ReSet(AcGeVector3d(1, 2, 3), y, -z);
+  eyePivot.RotateCaremaUp(0.3, AcGePoint3d(1, 2, 3));
+  EXPECT_TRUE(near(eyePivot.GetVLocation(), AcGeVector3d(1, 2, 3)) && !near(eyePivot.GetVForward(), -z));
+  eyePivot.ReSet();
   GLRecorder rec(false);
-  cam.look();
+  eyePivot.look();
   ASSERT_EQ(rec.calls().size(), 1u);
   EXPECT_EQ(rec.calls()[0].text(), "gluLookAt(0, 0, 0, 0, 0, -1, 0, 1, 0)");
 }
 
-TEST(CCamera, MovesUseTheUnnormalisedSideVector) {
-  CCamera cam;
-  cam.MoveCameraRight(1);
-  EXPECT_TRUE(near(cam.GetVLocation(), AcGeVector3d(-1, 0, 0)));
-  cam.ReSet(AcGeVector3d(0, 0, 0), AcGeVector3d(0, 2, 0), AcGeVector3d(0, 0, -1));
-  cam.MoveCameraRight(1);  // side = up x forward has length 2
-  EXPECT_TRUE(near(cam.GetVLocation(), AcGeVector3d(-2, 0, 0)));
-  cam.ReSet();
-  cam.TranslateCaremaLocal(AcGeVector3d(1, 2, 3));
-  EXPECT_TRUE(near(cam.GetVLocation(), AcGeVector3d(-1, 2, -3)));
-  cam.TranslateCaremaWorld(AcGeVector3d(1, 1, 1));
-  EXPECT_TRUE(near(cam.GetVLocation(), AcGeVector3d(0, 3, -2)));
-}
-
-TEST(CCamera, TurnsAboutPoints) {
-  CCamera cam;
-  cam.ReSet(AcGeVector3d(10, 0, 7), AcGeVector3d(0, 0, 1), AcGeVector3d(-1, 0, 0));
-  cam.RotateCaremaRealWorldZ(M_PI / 2, AcGePoint3d(0, 0, 100));
-  EXPECT_TRUE(near(cam.GetVLocation(), AcGeVector3d(0, 10, 7)));  // z kept whatever p.z
-  EXPECT_TRUE(near(cam.GetVForward(), AcGeVector3d(0, -1, 0)));
-
-  CCamera eyePivot;
-  eyePivot.ReSet(AcGeVector3d(1, 2, 3), AcGeVector3d(0, 1, 0), AcGeVector3d(0, 0, -1));
-  eyePivot.RotateCaremaUp(0.3, AcGePoint3d(1, 2, 3));
-  EXPECT_TRUE(near(eyePivot.GetVLocation(), AcGeVector3d(1, 2, 3)));  // only the directions turn
-  EXPECT_FALSE(near(eyePivot.GetVForward(), AcGeVector3d(0, 0, -1)));
-
-  CCamera orbit;
-  orbit.ReSet(AcGeVector3d(0, 0, 10), AcGeVector3d(0, 1, 0), AcGeVector3d(0, 0, -1));
-  orbit.RotateCaremaRight(M_PI / 2, AcGePoint3d(0, 0, 0));  // about side = (-1, 0, 0)
-  EXPECT_TRUE(near(orbit.GetVLocation(), AcGeVector3d(0, 10, 0)));
-  EXPECT_TRUE(near(orbit.GetVForward(), AcGeVector3d(0, -1, 0)));
-  EXPECT_TRUE(near(orbit.GetVUp(), AcGeVector3d(0, 0, -1)));
-
-  CCamera roll;
-  roll.RotateCaremaFront(M_PI / 2, AcGePoint3d(0, 0, 0));
-  EXPECT_TRUE(near(roll.GetVUp(), AcGeVector3d(1, 0, 0)));  // right-hand turn about -z
-}
-
-TEST(CCamera, OrthoNormalSlidesAlongTheLineOfSight) {
-  CCamera cam;
-  cam.ReSet(AcGeVector3d(3, 4, 50), AcGeVector3d(0, 1, 0), AcGeVector3d(0, 0, -1));
-  cam.OrthoNormal(AcGePoint3d(100, 100, 5));
-  EXPECT_TRUE(near(cam.GetVLocation(), AcGeVector3d(3, 4, 5)));
-  CCamera blind;
-  blind.ReSet(AcGeVector3d(1, 1, 1), AcGeVector3d(0, 1, 0), AcGeVector3d(0, 0, 0));
-  blind.OrthoNormal(AcGePoint3d(9, 9, 9));
-  EXPECT_TRUE(near(blind.GetVLocation(), AcGeVector3d(1, 1, 1)));
-}
-
 TEST(CCamera, ArchiveHoldsNineDoublesForwardBeforeUp) {
-  CCamera cam;
+  CCamera cam, back;
   cam.ReSet(AcGeVector3d(1, 2, 3), AcGeVector3d(7, 8, 9), AcGeVector3d(4, 5, 6));
   CMemFile file;
   {
@@ -81,15 +60,11 @@ TEST(CCamera, ArchiveHoldsNineDoublesForwardBeforeUp) {
     cam.Serialize(ar);
   }
   ASSERT_EQ(file.data().size(), 72u);
-  for (int i = 0; i < 9; ++i) {
-    double v;
-    std::memcpy(&v, file.data().data() + 8 * i, 8);
-    EXPECT_EQ(v, double(i + 1)) << "slot " << i;
-  }
+  double v[9];
+  std::memcpy(v, file.data().data(), sizeof v);
+  for (int i = 0; i < 9; ++i) EXPECT_EQ(v[i], double(i + 1)) << "slot " << i;
   CMemFile in(file.data().data(), file.data().size());
   CArchive ar(&in, CArchive::load);
-  CCamera back;
   back.Serialize(ar);
-  EXPECT_TRUE(near(back.GetVUp(), AcGeVector3d(7, 8, 9)));
-  EXPECT_TRUE(near(back.GetVForward(), AcGeVector3d(4, 5, 6)));
+  EXPECT_TRUE(near(back.GetVUp(), AcGeVector3d(7, 8, 9)) && near(back.GetVForward(), AcGeVector3d(4, 5, 6)));
 }

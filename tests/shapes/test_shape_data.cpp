@@ -1,4 +1,6 @@
-// Fields, setters, copy rules, tags and polygon offsets of a render shape.
+// A render shape's data: contours, copy rules, tags, polygon offsets, face
+// mesh arrays (owned or shared), moving shapes as a whole, thickening
+// meshes and texture coordinates.
 #include <gtest/gtest.h>
 
 #include "shapes/ShapeTestUtil.h"
@@ -11,20 +13,37 @@ double signedXY(const Contour& c) {  // about +z
   for (size_t i = 0, j = c.size() - 1; i < c.size(); j = i++) a += c[j].x * c[i].y - c[i].x * c[j].y;
   return a / 2;
 }
+struct FaceShape : CRenderShape {  // opens the protected face-data calls
+  using CRenderShape::copyFaceData;
+  using CRenderShape::freeFaceData;
+  using CRenderShape::isFaceDataNull;
+};
+// Unit cube corners with unit normals out along the diagonals.
+struct Cube {
+  std::vector<AcGePoint3d> v;
+  std::vector<AcGeVector3d> n;
+  std::vector<int> idx{0, 1, 2, 2, 1, 3};
+  Cube() {
+    for (int i = 0; i < 8; ++i) {
+      v.emplace_back(i & 1, (i >> 1) & 1, (i >> 2) & 1);
+      n.push_back((v.back() - AcGePoint3d(0.5, 0.5, 0.5)).normal());
+    }
+  }
+  void give(CRenderShape& s) {
+    s.setFaceType();
+    s.setFaceVertexArray(&v);
+    s.setFaceTriangleIndexArray(&idx);
+    s.setFaceNormalArray(&n);
+  }
+};
 }  // namespace
 
-TEST(RenderShapeData, DefaultsAndInitKeepsGeometry) {
-  CRenderShape s;
-  EXPECT_TRUE(s.getShpType() == 10000 && s.isLive() && s.getVisible() && s.getUcs().isEqualTo(kUp));
-  EXPECT_TRUE(s.getBorderWidth() == 1.2f && s.getOffsetUnits() == 1.0f && s.getBorderMaxWidth() == 8.0f);
+TEST(RenderShapeData, InitClearsStateButKeepsGeometry) {
   CRenderShape p = polygon(rect(0, 0, 2, 2));
   p.setXdata("k", "v");
   p.setHit(true);
   p.setBorderMaxWidth(3.0);  // also switches scaling on
   EXPECT_TRUE(p.isBorderWidthScaled());
-  p.setTexture(7);
-  p.clearTexture();
-  EXPECT_EQ(p.getTexture(), 7u);
   p.Init();
   EXPECT_FALSE(p.getHit() || p.isBorderWidthScaled() || p.getArea() != 0.0 || p.getBorderMaxWidth() != 8.0f);
   AcGePoint3d lo(9, 9, 9), hi(9, 9, 9);
@@ -136,8 +155,123 @@ TEST(RenderShapeData, TextShapeOwnsAndPlacesItsText) {
   AcGePoint3d lo, hi;  // the box holds two glyph squares
   t.getBox(lo, hi);
   EXPECT_TRUE(lo.isEqualTo(AcGePoint3d(7, 20, 30)) && hi.isEqualTo(AcGePoint3d(10, 26, 30)));
+  t.transformBy(AcGeMatrix3d::scaling(2) * AcGeMatrix3d::rotation(M_PI / 2, kUp));  // dir1 to -x, dir2 to -y
+  EXPECT_TRUE(info->height == 6.0 && info->position.isEqualTo(AcGePoint3d(-40, 20, 60)));
+  t.getBox(lo, hi);
+  EXPECT_TRUE(lo.isEqualTo(AcGePoint3d(-52, 14, 60)) && hi.isEqualTo(AcGePoint3d(-40, 20, 60)));
   CRenderShape copy(t);
   ASSERT_TRUE(copy.getTextInfo() && copy.getTextInfo() != info && copy.getTextInfo()->text == "AB");
   copy = CRenderShape();
   EXPECT_EQ(copy.getTextInfo(), nullptr);
+}
+
+TEST(FaceData, OwnedArraysAreCopiesSharedOnesStayTheCallers) {
+  Cube m, other;
+  FaceShape s, sharer;
+  s.setFaceVertexArray(&m.v);
+  EXPECT_TRUE(s.isFaceDataNull());  // normals and indices are required
+  m.give(s);
+  s.setFaceVertexArray(nullptr);  // null changes nothing
+  EXPECT_TRUE(!s.isFaceDataNull() && s.getFaceVertexArray() != &m.v && *s.getFaceVertexArray() == m.v);
+  s.addHitLine({{0, 0, 0}, {4, 0, 0}});
+  CRenderShape copy(s);
+  EXPECT_TRUE(copy.getFaceNormalArray() != s.getFaceNormalArray() && *copy.getFaceNormalArray() == m.n);
+  EXPECT_EQ(copy.getHitLine().size(), 1u);
+
+  sharer.setShareVertexData();
+  other.give(sharer);
+  EXPECT_EQ(sharer.getFaceVertexArray(), &other.v);
+  s.copyFaceData(sharer);  // pointers and (no) hit lines follow
+  EXPECT_TRUE(s.getShareVertexData() && s.getFaceVertexArray() == &other.v && s.getHitLine().empty());
+  {
+    CRenderShape shared(sharer);
+    EXPECT_EQ(shared.getFaceNormalArray(), &other.n);
+  }
+  s.freeFaceData();
+  EXPECT_TRUE(s.isFaceDataNull() && other.v == Cube().v);  // let go, not deleted
+}
+
+TEST(FaceData, AreaPlanarityAndCounts) {
+  Cube m;
+  m.v = {{0, 0, 0}, {4, 0, 0}, {2, 0, 0}, {1, 0, 0}};
+  CRenderShape s;
+  m.give(s);
+  s.calBox();
+  s.calArea();
+  EXPECT_FLOAT_EQ(static_cast<float>(s.getArea()), 12.56f);  // radius 2, pi as 3.14
+  EXPECT_EQ(s.numTriangles(), 2u);
+  EXPECT_FALSE(s.faceIsPlane());
+  m.n = {{0, 0, 1}, {0, 0, 2}};
+  s.setFaceNormalArray(&m.n);
+  EXPECT_TRUE(s.faceIsPlane());  // lengths do not matter
+  m.n.push_back(AcGeVector3d(0, 0.1, 1));
+  s.setFaceNormalArray(&m.n);
+  EXPECT_FALSE(s.faceIsPlane());
+}
+
+TEST(ShapeTransform, PolygonFollowsWithoutNewTriangulation) {
+  CRenderShape s = polygon(rect(0, 0, 4, 3), {rect(1, 1, 2, 2)});
+  s.addHitLine({{0, 0, 0}, {4, 0, 0}});
+  const auto strips = s.getStrips();
+  const std::vector<Tri> before = triangles(s);
+  const AcGePoint3d hole0 = s.getHoles()[0][0];
+  AcGePoint3d lo0, hi0, lo, hi;
+  s.getBox(lo0, hi0);
+  const AcGeVector3d t(10, -5, 2);
+  s.transformBy(AcGeMatrix3d::translation(t));
+  s.getBox(lo, hi);
+  EXPECT_TRUE(s.getArea() == 11.0 && lo.isEqualTo(lo0 + t) && hi.isEqualTo(hi0 + t) && s.getStrips() == strips);
+  EXPECT_TRUE(s.getHoles()[0][0].isEqualTo(hole0 + t) && s.getHitLine()[0][1].isEqualTo(AcGePoint3d(14, -5, 2)));
+  for (size_t i = 0; i < before.size(); ++i) EXPECT_TRUE(triangles(s)[i].c.isEqualTo(before[i].c + t));
+  s.transformBy(AcGeMatrix3d::scaling(3) * AcGeMatrix3d::rotation(M_PI / 2, AcGeVector3d(1, 0, 0)));
+  EXPECT_TRUE(s.getUcs().isEqualTo(AcGeVector3d(0, -1, 0)));
+  EXPECT_NEAR(s.getArea(), 99.0, 1e-4);
+  for (const Tri& tri : triangles(s)) EXPECT_GT(tri.signedArea(s.getUcs()), 0);
+}
+
+TEST(ShapeTransform, FaceMeshesMoveAndThicken) {
+  Cube cube;
+  const Cube untouched;
+  CRenderShape owned, shared;
+  shared.setShareVertexData();
+  cube.give(owned);
+  cube.give(shared);
+  owned.offsetFaceVertex(0.5);
+  for (size_t i = 0; i < 8; ++i) {
+    EXPECT_NEAR((*owned.getFaceVertexArray())[i].distanceTo(AcGePoint3d(0.5, 0.5, 0.5)), std::sqrt(0.75) + 0.5, 1e-12);
+    EXPECT_NEAR((*owned.getFaceVertexArray())[i].distanceTo(cube.v[i]), 0.5, 1e-12);
+  }
+  owned.transformBy(AcGeMatrix3d::translation(AcGeVector3d(5, 0, 0)) * AcGeMatrix3d::rotation(M_PI, kUp));
+  const AcGeVector3d n1 = cube.n[1] * 0.5;  // vertex 1 after the offset, turned half round z
+  EXPECT_TRUE((*owned.getFaceVertexArray())[1].isEqualTo(AcGePoint3d(4 - n1.x, -n1.y, n1.z)));
+  EXPECT_TRUE((*owned.getFaceNormalArray())[0].isEqualTo(AcGeVector3d(-cube.n[0].x, -cube.n[0].y, cube.n[0].z)));
+  shared.transformBy(AcGeMatrix3d::translation(AcGeVector3d(0, 0, 7)));
+  EXPECT_TRUE(cube.v == untouched.v && cube.n == untouched.n);
+  AcGePoint3d lo, hi;
+  shared.getBox(lo, hi);
+  EXPECT_TRUE(lo.isEqualTo(AcGePoint3d(0, 0, 0)) && hi.isEqualTo(AcGePoint3d(1, 1, 1)));
+}
+
+TEST(ShapeTransform, TextureCoordinatesPerTriangulatedVertex) {
+  CRenderShape s = polygon(rect(0, 0, 4, 4), {rect(1, 1, 3, 3)});
+  std::vector<AcGePoint2d> uv;  // for the outer contour only
+  for (const AcGePoint3d& p : s.getPts()) uv.emplace_back(p.x / 4, p.y / 4 + 1);
+  s.setTextureCoord(uv);
+  const size_t vertices = s.getGlPts().size() / 3;
+  ASSERT_EQ(s.getTexCoords().size(), 2 * vertices);
+  for (size_t i = 0; i < vertices; ++i) {
+    const AcGePoint3d p = vertex(s, i);
+    const bool inner = p.x > 0.5 && p.x < 3.5 && p.y > 0.5 && p.y < 3.5;  // hole corners: no entry, (0, 0)
+    EXPECT_TRUE(s.getTexCoords()[2 * i] == (inner ? 0.0f : float(p.x / 4)) && s.getTexCoords()[2 * i + 1] == (inner ? 0.0f : float(p.y / 4 + 1)));
+  }
+  for (const AcGePoint3d& p : s.getHoles()[0]) uv.emplace_back(p.x * 10, 0);  // then the holes, in order
+  s.setTextureCoord(uv);
+  for (size_t i = 0; i < vertices; ++i)
+    if (vertex(s, i).x > 0.5 && vertex(s, i).x < 3.5) EXPECT_FLOAT_EQ(s.getTexCoords()[2 * i], vertex(s, i).x * 10);
+  // In a wall's own plane; a new triangulation drops the old coordinates.
+  CRenderShape wall = polygon({{0, 0, 0}, {2, 0, 0}, {2, 0, 1}, {0, 0, 1}}, {}, AcGeVector3d(0, -1, 0));
+  wall.setTextureCoord({{0, 0}, {1, 0}, {2, 0}, {3, 0}, {4, 0}});
+  for (size_t i = 0; i < 4; ++i) EXPECT_TRUE(vertex(wall, i).isEqualTo(wall.getPts()[size_t(wall.getTexCoords()[2 * i])]));
+  wall.set(rect(0, 0, 1, 1), {}, CRenderShape::kPgon, CColor(), kUp);
+  EXPECT_TRUE(wall.getTexCoords().empty());
 }

@@ -1,5 +1,7 @@
 // Recorded calls of shape drawing: dispatch, line widths, wire frames,
-// shaded polylines and the selection colours.
+// shaded polylines, selection colours, shaded polygons (texture, highlight
+// overlay, outline) and text (the glyph list placed by the text's
+// matrix, the point for unreadably small text, the hit look).
 #include <cstdio>
 
 #include "test_shape_render_fixture.h"
@@ -7,107 +9,97 @@
 using namespace shapetest;
 
 namespace {
-std::string fmt(double v) {
-  char buf[32];
-  std::snprintf(buf, sizeof buf, "%.9g", v);
-  return buf;
-}
 const std::string kPush = "glPushAttrib(2928)";  // 0x0B70
-const std::string kDashOn = "glEnable(" + num(GL_LINE_STIPPLE) + ")";
-const std::string kDash = "glLineStipple(1, 3855)";  // 0x0F0F
-const std::string kDashOff = "glDisable(" + num(GL_LINE_STIPPLE) + ")";
+std::string elements(size_t n) {
+  return "glDrawElements(" + num(GL_TRIANGLE_STRIP) + ", " + std::to_string(n) + ", " + num(GL_UNSIGNED_SHORT) +
+         ", 1)";
+}
+std::vector<std::string> from(const GLRecorder& rec, int at) {
+  const std::vector<std::string> all = texts(rec);
+  return at < 0 ? std::vector<std::string>() : std::vector<std::string>(all.begin() + at, all.end());
+}
+// A text shape at (20, 20) whose glyphs are the given compiled list, drawn
+// as a unit square scaled by the height.
+CRenderShape textShape(double height, unsigned list, bool filled = true) {
+  CRenderShape s;
+  TextInfo* info = new TextInfo;
+  info->text = "A";
+  info->height = height;
+  info->position = AcGePoint3d(20, 20, 0);
+  info->dir1 = AcGeVector3d(1, 0, 0);
+  info->dir2 = AcGeVector3d(0, 1, 0);
+  s.set(info, CColor(0, 0, 255, 90), AcGeVector3d(0, 0, 1));
+  info->listId = list;
+  info->compiled = list != 0;
+  info->filled = filled;
+  return s;
+}
 }  // namespace
 
-// ---- render: what is drawn at all ----
-
-TEST(ShapeRenderDispatch, NothingWithoutPointsObjectOrSet) {
+TEST(ShapeRenderDispatch, NothingWithoutPointsTriangulationFaceArraysObjectOrSet) {
   SceneObject so;
-  GLRecorder rec(false);
-  const double scale = 1.0;
-
-  CRenderShape unset;
-  unset.render(2, &so.obj, &scale, false);
-  EXPECT_TRUE(rec.calls().empty());
-
-  // The triangulation is still there, but a polygon without its points is
-  // not drawn.
-  CRenderShape pgon = polygon(rect(0, 0, 10, 10));
-  ASSERT_FALSE(pgon.getGlPts().empty());
-  pgon.getPts().clear();
-  for (int mode : {0, 2, 4}) pgon.render(mode, &so.obj, &scale, false);
-  EXPECT_TRUE(rec.calls().empty());
-
-  CRenderShape ok = polygon(rect(0, 0, 10, 10));
-  ok.render(2, nullptr, &scale, false);
   CRenderObject orphan;
-  ok.render(2, &orphan, &scale, false);
-  EXPECT_TRUE(rec.calls().empty());
+  const double scale = 1.0;
+  CRenderShape unset, ok = polygon(rect(0, 0, 10, 10)), pointless = polygon(rect(0, 0, 10, 10));
+  ASSERT_FALSE(pointless.getGlPts().empty());
+  pointless.getPts().clear();  // triangulated, but without its points it is not drawn
+  GLRecorder rec(false);
+  unset.render(2, &so.obj, &scale, false);
+  unset.renderShaded_Pgon(&so.obj, nullptr, false);
+  for (int mode : {0, 2, 4}) pointless.render(mode, &so.obj, &scale, false);
+  for (CRenderObject* obj : {static_cast<CRenderObject*>(nullptr), &orphan}) {
+    ok.render(2, obj, &scale, false);
+    ok.renderShaded_Pgon(obj, nullptr, false);
+  }
+  CRenderShape face;  // a face mesh without normals
+  face.setFaceType();
+  std::vector<AcGePoint3d> v = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
+  std::vector<int> idx = {0, 1, 2};
+  face.setFaceVertexArray(&v);
+  face.setFaceTriangleIndexArray(&idx);
+  for (int mode : {0, 2}) face.renderFace(&so.obj, mode);
+  EXPECT_TRUE(rec.calls().empty() && face.getFaceDisplayList() == 0u);
 }
 
 TEST(ShapeRenderDispatch, OffsetThenNormalThenTheDrawerOfTheMode) {
   SceneObject so;
   CRenderShape pgon = polygon(rect(0, 0, 200, 100));
-  pgon.setUcs(AcGeVector3d(0, 0, 1));
-  const std::string offset =
-      "glPolygonOffset(" + fmt(pgon.getOffsetFactor()) + ", " + fmt(pgon.getOffsetUnits()) + ")";
-  GLRecorder rec(false);
-  pgon.render(0, &so.obj, nullptr, false);
-  ASSERT_GE(rec.calls().size(), 3u);
-  EXPECT_EQ(rec.calls()[0].text(), offset);
-  EXPECT_EQ(rec.calls()[1].text(), "glNormal3d(0, 0, 1)");
-  // Mode 0: line strips of the contour, no fill.
-  EXPECT_EQ(rec.count("glDrawArrays"), 1u);
-  EXPECT_EQ(rec.count("glBegin") + rec.count("glDrawElements"), 0u);
-
-  for (int mode : {2, 4}) {
-    rec.clear();
-    pgon.render(mode, &so.obj, nullptr, false);
-    EXPECT_EQ(rec.calls()[0].text(), offset);
-    // After offset, normal, width, vertex pointer and colour.
-    EXPECT_EQ(findText(rec, "glBegin(" + num(GL_TRIANGLE_STRIP) + ")"), 5) << mode;
+  char offset[96];
+  std::snprintf(offset, sizeof offset, "glPolygonOffset(%.9g, %.9g)", pgon.getOffsetFactor(), pgon.getOffsetUnits());
+  // Mode 0: line strips of the contour; 2 and 4: a fill after offset,
+  // normal, width, vertex pointer and colour; any other: nothing more.
+  const struct { int mode; size_t lineStrips; int fillAt; } rows[] = {{0, 1, -1}, {2, 0, 5}, {4, 0, 5}, {1, 0, -1},
+                                                                       {3, 0, -1}, {5, 0, -1}, {-1, 0, -1}};
+  for (const auto& r : rows) {
+    GLRecorder rec(false);
+    pgon.render(r.mode, &so.obj, nullptr, false);
+    ASSERT_GE(rec.calls().size(), 2u) << r.mode;
+    EXPECT_EQ(rec.calls()[0].text(), offset) << r.mode;
+    EXPECT_EQ(rec.calls()[1].text(), "glNormal3d(0, 0, 1)") << r.mode;
+    EXPECT_EQ(rec.count("glDrawArrays"), r.lineStrips) << r.mode;
+    EXPECT_EQ(findText(rec, "glBegin(" + num(GL_TRIANGLE_STRIP) + ")"), r.fillAt) << r.mode;
+    if (r.fillAt < 0 && !r.lineStrips) EXPECT_EQ(rec.calls().size(), 2u) << r.mode;
   }
-  for (int mode : {1, 3, 5, -1}) {
-    rec.clear();
-    pgon.render(mode, &so.obj, nullptr, false);
-    EXPECT_EQ(texts(rec), (std::vector<std::string>{offset, "glNormal3d(0, 0, 1)"})) << mode;
-  }
-}
-
-TEST(ShapeRenderDispatch, ShadowsKeepTheirOwnOffset) {
-  SceneObject so;
-  so.scene.setShadow(true);
+  so.scene.setShadow(true);  // shadows keep their own offset
   CRenderShape line = polyline({{0, 0, 0}, {5, 5, 0}});
   GLRecorder rec(false);
   line.render(2, &so.obj, nullptr, false);
-  EXPECT_EQ(rec.count("glPolygonOffset"), 0u);
   EXPECT_EQ(rec.calls().front().name, "glNormal3d");
-  EXPECT_EQ(rec.count("glDrawArrays"), 1u);
+  EXPECT_TRUE(rec.count("glPolygonOffset") == 0u && rec.count("glDrawArrays") == 1u);
 }
-
-// ---- line width ----
 
 TEST(ShapeRenderLineWidth, ScaledByViewOverFifteenAndClamped) {
   CRenderShape s = polyline({{0, 0, 0}, {1, 0, 0}});
   const double fifty = 50.0, twoHundred = 200.0;
   EXPECT_FLOAT_EQ(s.lineWidth(&fifty), 1.2f);  // not scaled by default
   s.setBorderWidth(1.2, true);
-  EXPECT_FLOAT_EQ(s.lineWidth(&fifty), 4.0f);
-  EXPECT_FLOAT_EQ(s.lineWidth(&twoHundred), 8.0f);  // 16 clamped to the maximum 8
-  EXPECT_FLOAT_EQ(s.lineWidth(nullptr), 1.2f);
-  s.setBorderMaxWidth(3.0);
-  EXPECT_FLOAT_EQ(s.lineWidth(&fifty), 3.0f);
-
-  SceneObject so;
-  s.setBorderMaxWidth(8.0);
-  GLRecorder rec(false);
-  s.render(0, &so.obj, &fifty, false);
-  EXPECT_EQ(findText(rec, "glLineWidth(4)"), 2);
-  rec.clear();
-  s.render(2, &so.obj, &twoHundred, false);
-  EXPECT_EQ(countText(rec, "glLineWidth(8)"), 1u);
+  const struct { const double* scale; double max; float width; } rows[] = {
+      {&fifty, 8, 4}, {&twoHundred, 8, 8}, {nullptr, 8, 1.2f}, {&fifty, 3, 3}};  // 16 clamped to the maximum
+  for (const auto& r : rows) {
+    s.setBorderMaxWidth(r.max);
+    EXPECT_FLOAT_EQ(s.lineWidth(r.scale), r.width) << r.max;
+  }
 }
-
-// ---- wire frame ----
 
 TEST(ShapeRenderWireFrame, EveryContourAsALineStripInTheSceneAlpha) {
   SceneObject so;
@@ -116,35 +108,12 @@ TEST(ShapeRenderWireFrame, EveryContourAsALineStripInTheSceneAlpha) {
   s.getHoles().push_back({});  // an empty contour is still issued
   GLRecorder rec(false);
   s.renderWireFrame(&so.obj, nullptr, false);
-  const std::string ptr = "glVertexPointer(3, " + num(GL_DOUBLE) + ", 0, 1)";
-  const std::string strip5 = "glDrawArrays(" + num(GL_LINE_STRIP) + ", 0, 5)";
-  EXPECT_EQ(texts(rec), (std::vector<std::string>{"glLineWidth(1.20000005)", "glColor4ub(10, 20, 30, 100)", ptr,
-                                                  strip5, ptr, strip5, ptr, strip5, "glVertexPointer(3, " +
-                                                  num(GL_DOUBLE) + ", 0, 0)", "glDrawArrays(3, 0, 0)"}));
+  EXPECT_EQ(rec.calls()[1].text(), "glColor4ub(10, 20, 30, 100)");
+  EXPECT_EQ(countText(rec, "glDrawArrays(" + num(GL_LINE_STRIP) + ", 0, 5)"), 3u);
+  EXPECT_EQ(rec.calls().back().text(), "glDrawArrays(3, 0, 0)");
 }
 
-TEST(ShapeRenderWireFrame, HitContoursAreDashed) {
-  SceneObject so;
-  CRenderShape s = polygon(rect(0, 0, 10, 10), {rect(2, 2, 4, 4)});
-  s.setHit(true);
-  GLRecorder rec(false);
-  s.renderWireFrame(&so.obj, nullptr, false);
-  const int on = findText(rec, kDashOn);
-  ASSERT_GE(on, 0);
-  EXPECT_EQ(rec.calls()[on + 1].text(), kDash);
-  EXPECT_LT(on, rec.find("glDrawArrays"));
-  EXPECT_EQ(rec.calls().back().text(), kDashOff);
-  EXPECT_EQ(rec.count("glDrawArrays"), 2u);
-
-  s.setHit(false);
-  rec.clear();
-  s.renderWireFrame(&so.obj, nullptr, false);
-  EXPECT_EQ(rec.count("glLineStipple") + rec.count("glEnable") + rec.count("glDisable"), 0u);
-}
-
-// ---- shaded polyline ----
-
-TEST(ShapeRenderPline, PlainLineIsPushedTowardsTheViewer) {
+TEST(ShapeRenderPline, PlainLinesArePushedTowardsTheViewerOthersDeferred) {
   SceneObject so;
   so.scene.setTransparent(200);
   CRenderShape s = polyline({{0, 0, 0}, {5, 0, 0}, {5, 5, 0}}, CColor(1, 2, 3, 255));
@@ -152,53 +121,182 @@ TEST(ShapeRenderPline, PlainLineIsPushedTowardsTheViewer) {
   s.renderShaded_Pline(&so.obj, nullptr, false);
   EXPECT_EQ(texts(rec),
             (std::vector<std::string>{"glLineWidth(1.20000005)", "glVertexPointer(3, " + num(GL_DOUBLE) + ", 0, 1)",
-                                      kPush, "glDepthRange(0.09995, 1)", "glColor4ub(1, 2, 3, 200)",
+                                      "glPushAttrib(2928)", "glDepthRange(0.09995, 1)", "glColor4ub(1, 2, 3, 200)",
                                       "glDrawArrays(3, 0, 3)", "glPopAttrib()"}));
   EXPECT_TRUE(so.scene.getObjSetMgr()->outlineShapes().empty());
-}
-
-TEST(ShapeRenderPline, SelectedOrDottedLinesAreDeferred) {
-  SceneObject so;
-  CRenderShape hit = polyline({{0, 0, 0}, {5, 0, 0}});
+  // Selected or dotted lines wait for the outline pass.
+  CRenderShape hit = polyline({{0, 0, 0}, {5, 0, 0}}), lit = hit, dots = hit;
   hit.setHit(true);
-  CRenderShape lit = polyline({{0, 0, 0}, {5, 0, 0}});
   lit.setHighLight(true);
-  CRenderShape dots = polyline({{0, 0, 0}, {5, 0, 0}});
   dots.setDotLine(true);
-  GLRecorder rec(false);
-  hit.renderShaded_Pline(&so.obj, nullptr, false);
-  lit.renderShaded_Pline(&so.obj, nullptr, false);
-  dots.renderShaded_Pline(&so.obj, nullptr, false);
+  rec.clear();
+  for (CRenderShape* l : {&hit, &lit, &dots}) l->renderShaded_Pline(&so.obj, nullptr, false);
   EXPECT_TRUE(rec.calls().empty());
-  EXPECT_EQ(so.scene.getObjSetMgr()->outlineShapes(),
-            (std::vector<const CRenderShape*>{&hit, &lit, &dots}));
+  EXPECT_EQ(so.scene.getObjSetMgr()->outlineShapes(), (std::vector<const CRenderShape*>{&hit, &lit, &dots}));
 }
 
-// ---- selection colours ----
-
-TEST(ShapeRenderColours, SelectionColourContrastsWithTheFill) {
-  GLRecorder rec(false);
-  CRenderShape::glSelclr(CColor(200, 200, 150, 255));  // 550: white
-  CRenderShape::glSelclr(CColor(200, 200, 151, 255));  // 551: blue
-  CRenderShape::glSelclr(CColor(0, 0, 0, 0));
-  CRenderShape::glSelclr(CColor(255, 255, 255, 255));
-  EXPECT_EQ(texts(rec), (std::vector<std::string>{"glColor3ub(255, 255, 255)", "glColor3ub(0, 0, 255)",
-                                                  "glColor3ub(255, 255, 255)", "glColor3ub(0, 0, 255)"}));
+TEST(ShapeRenderColours, SelectionAndBorderColoursContrastWithTheFill) {
+  const struct { void (*fn)(const CColor&); CColor clr; const char* call; } rows[] = {
+      {CRenderShape::glSelclr, {200, 200, 150, 255}, "glColor3ub(255, 255, 255)"},  // sum 550: white
+      {CRenderShape::glSelclr, {200, 200, 151, 255}, "glColor3ub(0, 0, 255)"},      // 551: blue
+      {CRenderShape::glSelclr, {0, 0, 0, 0}, "glColor3ub(255, 255, 255)"},
+      {CRenderShape::glSelclr, {255, 255, 255, 255}, "glColor3ub(0, 0, 255)"},
+      {CRenderShape::glSetBorderClr, {10, 20, 240, 255}, "glColor3ub(245, 235, 240)"},
+      {CRenderShape::glSetBorderClr, {10, 20, 229, 255}, "glColor3ub(0, 0, 255)"},
+      {CRenderShape::glSetBorderClr, {10, 20, 230, 255}, "glColor3ub(245, 235, 230)"},
+      {CRenderShape::glSetBorderClr, {255, 0, 255, 0}, "glColor3ub(0, 255, 255)"}};
+  for (const auto& r : rows) {
+    GLRecorder rec(false);
+    r.fn(r.clr);
+    EXPECT_EQ(texts(rec), std::vector<std::string>{r.call}) << int(r.clr.r) << " " << int(r.clr.b);
+  }
 }
 
-TEST(ShapeRenderColours, BorderColourOfAHitShape) {
+TEST(ShapeRenderPgon, HighlightOverlayIsStippledInFrontOnlyInTheFirstPassUnlessSuppressed) {
+  SceneObject so;
+  so.obj.setRenderedFlags(true, false);
+  CRenderShape s = polygon(rect(0, 0, 30, 30), {rect(10, 10, 20, 20)}, CColor(250, 250, 60, 255));
+  s.setHighLight(true);
   GLRecorder rec(false);
-  CRenderShape::glSetBorderClr(CColor(10, 20, 240, 255));
-  CRenderShape::glSetBorderClr(CColor(10, 20, 229, 255));
-  CRenderShape::glSetBorderClr(CColor(10, 20, 230, 255));
-  CRenderShape::glSetBorderClr(CColor(255, 0, 255, 0));
-  EXPECT_EQ(texts(rec), (std::vector<std::string>{"glColor3ub(245, 235, 240)", "glColor3ub(0, 0, 255)",
-                                                  "glColor3ub(245, 235, 230)", "glColor3ub(0, 255, 255)"}));
+  s.renderShaded_Pgon(&so.obj, nullptr, false);
+  const int push = findText(rec, kPush);
+  ASSERT_GE(push, 1);
+  EXPECT_EQ(rec.calls()[push - 1].text(), "glColor3ub(0, 0, 255)");  // sum 560: blue
+  std::vector<std::string> expected = {kPush, "glDepthRange(0, 0.4)", "glPolygonOffset(-1, -1)",
+                                       "glEnable(" + num(GL_POLYGON_STIPPLE) + ")", "glPolygonStipple(1)"};
+  for (const auto& strip : s.getStrips()) expected.push_back(elements(strip.size()));
+  expected.push_back("glDisable(" + num(GL_POLYGON_STIPPLE) + ")");
+  expected.push_back("glPopAttrib()");
+  EXPECT_EQ(from(rec, push), expected);
+  // A quad's overlay goes through elements too.
+  CRenderShape quad = polygon(rect(0, 0, 5, 5));
+  quad.setHighLight(true);
+  rec.clear();
+  quad.renderShaded_Pgon(&so.obj, nullptr, false);
+  EXPECT_TRUE(rec.count("glBegin") == 1u && countText(rec, elements(4)) == 1u);
+  // Not highlighted, suppressed by the flag, or the object not in its first
+  // pass: no overlay (and out of any pass, not even the selection colour).
+  const struct { bool highlight, firstPass, flag; int selColours; } rows[] = {
+      {false, true, false, 1}, {true, true, true, -1}, {true, false, false, 0}};
+  for (const auto& r : rows) {
+    quad.setHighLight(r.highlight);
+    so.obj.setRenderedFlags(r.firstPass, false);
+    rec.clear();
+    quad.renderShaded_Pgon(&so.obj, nullptr, r.flag);
+    EXPECT_TRUE(rec.count("glPushAttrib") == 0u && rec.count("glPolygonStipple") == 0u) << r.highlight << r.flag;
+    if (r.selColours >= 0) EXPECT_EQ(rec.count("glColor3ub"), size_t(r.selColours)) << r.highlight << r.flag;
+  }
 }
 
-TEST(ShapeRenderColours, DotLineStateSwitchesTheDash) {
+TEST(ShapeRenderPgon, OutlineOfHitAndBorderedShapes) {
+  SceneObject so;
+  so.scene.setTransparent(77);
+  so.obj.setRenderedFlags(false, true);
+  CRenderShape s = polygon(rect(0, 0, 30, 30), {rect(10, 10, 20, 20)});
+  s.setBorderColor(CColor(10, 20, 240, 255));
   GLRecorder rec(false);
-  CRenderShape::setDotLineState(nullptr);
-  CRenderShape::backDotLineState(nullptr);
-  EXPECT_EQ(texts(rec), (std::vector<std::string>{kDashOn, kDash, kDashOff}));
+  s.renderShaded_Pgon(&so.obj, nullptr, false);  // no border shown, not hit
+  EXPECT_EQ(rec.count("glDrawArrays"), 0u);
+  s.setHit(true);  // dashed, in the border's contrast colour
+  rec.clear();
+  s.renderShaded_Pgon(&so.obj, nullptr, false);
+  const std::string ptr = "glVertexPointer(3, " + num(GL_DOUBLE) + ", 0, 1)", strip = "glDrawArrays(3, 0, 5)";
+  EXPECT_EQ(from(rec, findText(rec, "glEnable(" + num(GL_LINE_STIPPLE) + ")")),
+            (std::vector<std::string>{"glEnable(" + num(GL_LINE_STIPPLE) + ")", "glLineStipple(1, 3855)",
+                                      "glColor3ub(245, 235, 240)", "glLineWidth(1)", ptr, strip, ptr, strip,
+                                      "glDisable(" + num(GL_LINE_STIPPLE) + ")"}));
+  s.setHit(false);  // a shown border: solid, in its colour and the scene alpha, at the scaled width
+  s.setShowBorder(true);
+  s.setBorderWidth(1.2, true);
+  const double scale = 50.0;
+  rec.clear();
+  s.renderShaded_Pgon(&so.obj, &scale, false);
+  EXPECT_EQ(rec.calls()[0].text(), "glLineWidth(4)");
+  const int at = findText(rec, "glColor4ub(10, 20, 240, 77)");
+  ASSERT_GE(at, 0);
+  EXPECT_TRUE(rec.count("glLineStipple") == 0u && rec.count("glLineWidth") == 1u && rec.count("glDrawArrays") == 2u);
+  EXPECT_GT(rec.find("glDrawArrays"), at);
+}
+
+TEST(ShapeRenderPgon, TexturedFillNeedsCoordinatesAndUsesWhite) {
+  SceneObject so;
+  so.scene.setTransparent(128);
+  CRenderShape s = polygon({{0, 0, 0}, {10, 0, 0}, {13, 6, 0}, {5, 11, 0}, {-3, 6, 0}}, {}, CColor(1, 2, 3, 255));
+  s.setTexture(7u);  // no coordinates yet: reading them would overrun, so drawn plain
+  GLRecorder rec(false);
+  s.renderShaded_Pgon(&so.obj, nullptr, false);
+  EXPECT_TRUE(rec.count("glEnable") == 0u && countText(rec, "glColor4ub(1, 2, 3, 128)") == 1u);
+  s.setTextureCoord({{0, 0}, {1, 0}, {1, 0.5}, {0.5, 1}, {0, 0.5}, {0, 0}});
+  ASSERT_EQ(s.getTexCoords().size(), 2 * s.getGlPts().size() / 3);
+  rec.clear();
+  s.renderShaded_Pgon(&so.obj, nullptr, false);
+  EXPECT_EQ(countText(rec, "glBindTexture(3553, 7)"), 1u);
+  EXPECT_EQ(countText(rec, "glColor4ub(255, 255, 255, 128)"), 1u);  // white, in the scene alpha
+  EXPECT_EQ(rec.calls().back().text(), "glDisableClientState(" + num(GL_TEXTURE_COORD_ARRAY) + ")");
+  s.clearTexture();  // the name stays but the fill is plain again
+  rec.clear();
+  s.renderShaded_Pgon(&so.obj, nullptr, false);
+  EXPECT_TRUE(rec.count("glBindTexture") == 0u && countText(rec, "glColor4ub(1, 2, 3, 128)") == 1u);
+}
+
+class ShapeRenderText : public ShapeFrame {};
+
+TEST_F(ShapeRenderText, CompiledListIsPlacedByTheTextMatrix) {
+  const unsigned list = glGenLists(1);
+  glNewList(list, GL_COMPILE);
+  glRectf(0, 0, 1, 1);  // the glyphs: a unit square
+  glEndList();
+  CRenderShape s = textShape(20.0, list);  // 20 units: about 8.5 pixels at range 150
+  ASSERT_EQ(s.getShpType(), CRenderShape::kText);
+  beginFrame();
+  GLRecorder rec(true);
+  s.render(2, &obj, &scale, false);
+  // Unlit, inside its own matrix: the text's placement, then the glyphs.
+  EXPECT_EQ(rec.names(), (std::vector<std::string>{"glPolygonOffset", "glColor3ub", "glNormal3d", "glLineWidth",
+                                                   "glPushMatrix", "glDisable", "glMultMatrixf", "glCallList", "glEnable",
+                                                   "glPopMatrix"}));
+  EXPECT_TRUE(rec.calls()[6].args[0] == 20.0 && rec.calls()[6].args[12] == 20.0 && rec.calls()[7].args[0] == list);
+  EXPECT_TRUE(rec.calls()[5].args[0] == GL_LIGHTING && rec.calls()[8].args[0] == GL_LIGHTING);
+  kgl->Disable(GL_LIGHTING);
+  endFrame();
+  EXPECT_TRUE(near(rgb(30, 30), 0, 0, 255));
+  EXPECT_TRUE(near(rgb(45, 30), 0, 0, 0) && near(rgb(15, 15), 0, 0, 0));
+  glDeleteLists(list, 1);
+}
+
+TEST_F(ShapeRenderText, HitTextIsStippledByKind) {
+  // Filled glyphs take the polygon stipple, outlines the dashed line; either
+  // is switched on before the glyphs and off at the very end.
+  const struct { bool filled, hit; const char* stipple; std::string off; } rows[] = {
+      {true, true, "glPolygonStipple", "glDisable(" + num(GL_POLYGON_STIPPLE) + ")"},
+      {false, true, "glLineStipple", "glDisable(" + num(GL_LINE_STIPPLE) + ")"},
+      {false, false, nullptr, "glPopMatrix()"}};
+  for (const auto& r : rows) {
+    CRenderShape s = textShape(20.0, 77, r.filled);
+    s.setHit(r.hit);
+    GLRecorder rec(false);
+    s.renderText(&obj);
+    EXPECT_EQ(rec.count("glPolygonStipple") + rec.count("glLineStipple"), r.stipple ? 1u : 0u) << r.filled << r.hit;
+    if (r.stipple) EXPECT_TRUE(rec.count(r.stipple) == 1u && rec.find(r.stipple) < rec.find("glPushMatrix")) << r.filled;
+    EXPECT_EQ(rec.calls().back().text(), r.off) << r.filled << r.hit;
+  }
+}
+
+TEST_F(ShapeRenderText, TooSmallTextIsOnePointUncompiledOrOrphanTextNothing) {
+  CRenderShape tiny = textShape(2.0, 77), raw = textShape(2.0, 0);  // under one pixel at range 150
+  GLRecorder rec(false);
+  tiny.renderText(&obj);
+  EXPECT_EQ(texts(rec), (std::vector<std::string>{"glPointSize(3)", "glBegin(" + num(GL_POINTS) + ")",
+                                                  "glColor4ub(0, 0, 255, 90)", "glVertex3f(20, 20, 0)", "glEnd()"}));
+  rec.clear();
+  raw.renderText(&obj);  // a point even when the glyphs are not compiled yet
+  EXPECT_EQ(rec.count("glVertex3f"), 1u);
+  CRenderShape uncompiled = textShape(20.0, 0), ready = textShape(20.0, 77), none;
+  CRenderObject orphan;
+  rec.clear();
+  uncompiled.renderText(&obj);
+  ready.renderText(nullptr);
+  ready.renderText(&orphan);
+  none.renderText(&obj);
+  EXPECT_TRUE(rec.calls().empty());
 }

@@ -13,26 +13,22 @@
 #include "kxrender/CSceneMgr.h"
 #include "platform/Win32Window.h"
 #include "scene/SceneFixture.h"
+#include "shapes/ShapeTestUtil.h"
 #include "support/GLRecorder.h"
 #include "support/GLTable.h"
 
 namespace shapetest {
 
-inline std::vector<AcGePoint3d> rect(double x0, double y0, double x1, double y1, double z = 0.0) {
-  return {{x0, y0, z}, {x1, y0, z}, {x1, y1, z}, {x0, y1, z}};
-}
-
-inline CRenderShape polygon(const std::vector<AcGePoint3d>& outer,
-                            const std::vector<std::vector<AcGePoint3d>>& holes = {},
-                            const CColor& clr = CColor(255, 0, 0, 255)) {
+// A polygon in a given colour; without one, ShapeTestUtil's white polygon.
+inline CRenderShape polygon(const Contour& outer, const Contours& holes, const CColor& clr) {
   CRenderShape s;
-  s.set(outer, holes, CRenderShape::kPgon, clr, AcGeVector3d(0, 0, 1));
+  s.set(outer, holes, CRenderShape::kPgon, clr, kUp);
   return s;
 }
 
-inline CRenderShape polyline(const std::vector<AcGePoint3d>& pts, const CColor& clr = CColor(0, 255, 0, 255)) {
+inline CRenderShape polyline(const Contour& pts, const CColor& clr = CColor(0, 255, 0, 255)) {
   CRenderShape s;
-  s.set(pts, {}, CRenderShape::kPline, clr, AcGeVector3d(0, 0, 1));
+  s.set(pts, {}, CRenderShape::kPline, clr, kUp);
   return s;
 }
 

@@ -15,10 +15,7 @@
 namespace {
 // Each test process talks on its own channel, so tests may run in parallel.
 struct PrivateChannel {
-  PrivateChannel() {
-    const std::string name = "kxtrace-test-" + std::to_string(getpid());
-    setenv("KXTRACE_CHANNEL", name.c_str(), 1);
-  }
+  PrivateChannel() { setenv("KXTRACE_CHANNEL", ("kxtrace-test-" + std::to_string(getpid())).c_str(), 1); }
 } const privateChannel;
 }  // namespace
 
@@ -33,70 +30,48 @@ struct CUseTimeAccess {
   static int64_t frequency(const CUseTime& t) { return t.*privateMember(FrequencyOf{}); }
 };
 
-TEST(CUseTime, MicrosecondsAndMillisecondText) {
+TEST(CUseTime, MicrosecondsFromCountsAndClocksRunForwards) {
   CUseTime t(true);
-  const int64_t f = CUseTimeAccess::frequency(t);
-  ASSERT_EQ(f, 10000000);
-  CUseTimeAccess::setCounts(t, 1000, 1000 + 15000);  // 1500 microseconds
-  EXPECT_EQ(t.getTime(), 1500u);
+  ASSERT_EQ(CUseTimeAccess::frequency(t), 10000000);
+  const struct { int64_t start, end; unsigned micro; } rows[] = {
+      {1000, 1000 + 15000, 1500},
+      {10, 0, static_cast<unsigned>(-1)},  // a reversed interval wraps rather than failing
+      {0, int64_t(6) * 3600 * 10000000, static_cast<unsigned>(uint64_t(6) * 3600 * 1000000)}};  // 64-bit counts
+  for (const auto& r : rows) {
+    CUseTimeAccess::setCounts(t, r.start, r.end);
+    EXPECT_EQ(t.getTime(), r.micro) << r.end;
+  }
+  CUseTimeAccess::setCounts(t, 1000, 1000 + 15000);
   EXPECT_EQ(t.GetTimeStr(), "1.500");
-  // A reversed interval wraps to a large unsigned count rather than failing.
-  CUseTimeAccess::setCounts(t, 10, 0);
-  EXPECT_EQ(t.getTime(), static_cast<unsigned int>(-1));
-  // Six hours stay exact: 64-bit arithmetic on 100 ns counts.
-  CUseTimeAccess::setCounts(t, 0, int64_t(6) * 3600 * 10000000);
-  EXPECT_EQ(t.getTime(), static_cast<unsigned int>(uint64_t(6) * 3600 * 1000000));
-}
-
-TEST(CUseTime, StartEndMeasureForwards) {
-  CUseTime t(true);
   t.start();
-  volatile double sink = 0;
-  for (int i = 0; i < 100000; ++i) sink = sink + i;
   t.end();
-  EXPECT_LT(t.getTime(), 60u * 1000000u);
-}
-
-TEST(Clocks, MillisecondClockAndWallClock) {
+  EXPECT_LT(t.getTime(), 60u * 1000000u);  // not a wrapped, reversed interval
   const DWORD a = timeGetTime();
-  const DWORD b = timeGetTime();
-  EXPECT_LE(b - a, 1000u);
+  EXPECT_LE(timeGetTime() - a, 1000u);
   __time64_t stored = 0;
-  const __time64_t now = _time64(&stored);
-  EXPECT_EQ(now, stored);
-  EXPECT_GT(now, 1700000000);  // after 2023
+  EXPECT_EQ(_time64(&stored), stored);
+  EXPECT_GT(stored, 1700000000);  // after 2023
   LARGE_INTEGER c1, c2;
-  ASSERT_TRUE(QueryPerformanceCounter(&c1));
-  ASSERT_TRUE(QueryPerformanceCounter(&c2));
+  ASSERT_TRUE(QueryPerformanceCounter(&c1) && QueryPerformanceCounter(&c2));
   EXPECT_GE(c2.QuadPart, c1.QuadPart);
 }
 
-TEST(KxPrintf, WithoutViewerReturnsAtOnce) {
-  // Nobody listens in this test: the send must fail fast and quietly.
-  EXPECT_FALSE(KxTraceSend("x", 1));
+TEST(KxPrintf, ViewerReceivesLinesCutTo1024BytesAndNoViewerCostsNothing) {
+  EXPECT_FALSE(KxTraceSend("x", 1));  // nobody listens: fails fast and quietly
   KxPrintf("%s", std::string(5000, 'z').c_str());
   KxPrintf(nullptr);
-}
-
-TEST(KxPrintf, ViewerReceivesFramedLinesCutTo1024Bytes) {
-  KxTraceListener viewer;
+  KxTraceListener viewer, second;
   ASSERT_TRUE(viewer.open());
-  KxPrintf("storey %d of %s", 3, "tower");
+  EXPECT_FALSE(second.open());  // two viewers cannot listen at once
   std::string line;
+  KxPrintf("storey %d of %s", 3, "tower");
   ASSERT_TRUE(viewer.receive(line, 2000));
   EXPECT_EQ(line, "storey 3 of tower");
-
-  KxPrintf("%s", std::string(5000, 'z').c_str());
-  ASSERT_TRUE(viewer.receive(line, 2000));
-  EXPECT_EQ(line, std::string(1024, 'z'));
-
-  KxPrintf("%s", std::string(1023, 'y').c_str());
-  ASSERT_TRUE(viewer.receive(line, 2000));
-  EXPECT_EQ(line.size(), 1023u);
-
-  // Two viewers cannot listen at once.
-  KxTraceListener second;
-  EXPECT_FALSE(second.open());
+  for (size_t length : {size_t(5000), size_t(1023)}) {
+    KxPrintf("%s", std::string(length, 'z').c_str());
+    ASSERT_TRUE(viewer.receive(line, 2000));
+    EXPECT_EQ(line, std::string(std::min<size_t>(length, 1024), 'z'));
+  }
 }
 
 TEST(CShowUseTime, PrintsLabelAndMillisecondsUnlessDisabled) {
@@ -108,16 +83,13 @@ TEST(CShowUseTime, PrintsLabelAndMillisecondsUnlessDisabled) {
   ASSERT_GE(line.size(), 7u);
   EXPECT_EQ(line.substr(0, 6), "\nload:");
   EXPECT_EQ(line[line.size() - 4], '.');  // three decimals
-
   {
     CShowUseTime quiet("quiet");
     quiet.stopwatch().setPrint(false);
   }
-  {
-    CUseTime silent(true);
-    silent.start();
-    silent.end();
-    silent.print("silent");
-  }
+  CUseTime silent(true);
+  silent.start();
+  silent.end();
+  silent.print("silent");
   EXPECT_FALSE(viewer.receive(line, 200));
 }
