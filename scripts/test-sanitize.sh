@@ -13,7 +13,6 @@ cmake --build build-sanitize -j"$(nproc)"
 echo "sanitize: running"
 export ASAN_OPTIONS="detect_leaks=1:abort_on_error=0:strict_init_order=1"
 export UBSAN_OPTIONS="halt_on_error=1:print_stacktrace=1"
-export LSAN_OPTIONS="suppressions=$PWD/scripts/lsan-mesa.supp:print_suppressions=0"
 if [ -z "${DISPLAY:-}" ] && command -v xvfb-run >/dev/null; then
   exec xvfb-run -a -s "-screen 0 1024x768x24" ctest --test-dir build-sanitize --output-on-failure -j"$(nproc)"
 fi
