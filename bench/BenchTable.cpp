@@ -8,8 +8,9 @@ void BenchTable::Collector::ReportRuns(const std::vector<Run>& runs) {
     if (run.error_occurred) continue;
     const bool single = run.repetitions <= 1 && run.run_type == Run::RT_Iteration;
     if (!single && run.aggregate_name != "median") continue;
-    std::string metric = run.run_name.function_name;
-    metric = metric.substr(0, metric.rfind('/'));
+    // Metric names may hold a '/' themselves ("1/10"): cut at the size.
+    std::string metric = run.run_name.str();
+    metric = metric.substr(0, metric.find("/" + m_size + "/"));
     m_table.setTime(m_size, metric, run.GetAdjustedRealTime());
   }
 }

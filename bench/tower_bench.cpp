@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -22,6 +23,12 @@
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+double threadCpuMs() {
+  timespec t{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+  return t.tv_sec * 1e3 + t.tv_nsec / 1e6;
+}
 
 double msSince(Clock::time_point t0) { return std::chrono::duration<double, std::milli>(Clock::now() - t0).count(); }
 
@@ -174,11 +181,13 @@ void registerSize(const std::string& size, int storeys, int bays) {
     if (i == 0) worst = 0.0;
     unsigned id = 0, shape = 0;
     for (auto _ : state) {
+      const double cpu0 = threadCpuMs();
       const Clock::time_point t0 = Clock::now();
       scene.pick(pickPixel(i), id, shape, 0, nullptr, true);
-      const double ms = msSince(t0);
-      state.SetIterationTime(ms / 1000.0);
-      worst = std::max(worst, ms);
+      state.SetIterationTime(msSince(t0) / 1000.0);
+      // Processor time: on a shared machine the wall clock of a single
+      // pick mostly measures when the scheduler let it run.
+      worst = std::max(worst, threadCpuMs() - cpu0);
     }
     benchmark::DoNotOptimize(id);
     if (i == 199 && g_table) g_table->setTime(size, BenchTable::kPointPickWorst, worst);

@@ -37,11 +37,32 @@ bool eachDrawn(const CRenderObject& o, const CRect& rect, const kxpick::ViewData
   return false;
 }
 
+// Whether some shape the object draws has geometry to select.
+bool drawsGeometry(const CRenderObject& o) {
+  const std::vector<CRenderShape>& shapes = o.getShps();
+  bool instances = false;
+  for (const CSimpleMatrix* m : o.getSmpMat()) instances = instances || m;
+  for (unsigned i = instances ? 0 : firstPlain(o); i < shapes.size(); ++i)
+    if (shapes[i].getVisible() && shapes[i].hasPickGeometry()) return true;
+  return false;
+}
+
+// The object's box holds all it draws (instances included): wholly outside
+// the volume, nothing crosses; wholly inside, everything with geometry is
+// inside. Big selections are mostly settled here, without the shapes.
+int byBox(const CRenderObject& o, const CPickVolume& v) {
+  const int c = v.classifyBox(o.ptMin(), o.ptMax());
+  if (c == 2) return drawsGeometry(o) ? 2 : 0;
+  return c;
+}
+
 }  // namespace
 
 bool kxpick::objectCrossesRect(const CRenderObject& obj, const CRect& rect, const ViewData& view,
                                const CPickVolume& plain, int mode) {
   if (!plain.valid()) return false;
+  const int c = byBox(obj, plain);
+  if (c != 1) return c == 2;
   return eachDrawn(obj, rect, view, plain,
                    [mode](unsigned, const CRenderShape& s, const CPickVolume& v) { return s.intersectVolume(v, mode); });
 }
@@ -49,8 +70,12 @@ bool kxpick::objectCrossesRect(const CRenderObject& obj, const CRect& rect, cons
 bool kxpick::objectInRect(const CRenderObject& obj, const CRect& rect, const ViewData& view,
                           const CPickVolume& plain) {
   if (!plain.valid()) return false;
+  const int c = byBox(obj, plain);
+  if (c != 1) return c == 2;
   bool any = false;
+  // Shapes with nothing to select (a text without outlines) do not count.
   const bool outside = eachDrawn(obj, rect, view, plain, [&any](unsigned, const CRenderShape& s, const CPickVolume& v) {
+    if (!s.hasPickGeometry()) return false;
     any = true;
     return !s.allInVolume(v);
   });

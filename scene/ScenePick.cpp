@@ -81,6 +81,7 @@ bool CSceneMgr::pick(CPoint const& p1, CPoint const& p2, std::vector<unsigned in
   m_objSetMgr.getObjsInFrustum(candidates, &planes);
 
   std::vector<unsigned int> found;
+  found.reserve(candidates.size());
   for (const CRenderObject* obj : candidates) {
     if (!obj || !obj->isVisible()) continue;
     const bool in = window ? kxpick::objectInRect(*obj, rect, view, volume)

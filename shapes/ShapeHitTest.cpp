@@ -107,14 +107,28 @@ double CRenderShape::ptNearDistToEdge(const AcGePoint3d& pt) const {
   }
 }
 
+bool CRenderShape::hasPickGeometry() const {
+  switch (m_type) {
+    case kPline:
+    case kPgon:
+      return !m_pts.empty();
+    case kText:
+      return !textContours(*this).empty();
+    case kFace:
+      return !isFaceDataNull() && !m_meshVertices->empty();
+    default:
+      return false;
+  }
+}
+
 bool CRenderShape::intersectVolume(const CPickVolume& v, int mode) const {
-  if (!v.valid() || (m_type != kFace && m_pts.empty() && m_type != kText)) return false;
+  if (!v.valid() || !hasPickGeometry()) return false;
   // The box settles shapes wholly outside or wholly inside at once; text
   // boxes are estimates, so texts always look at their outlines.
   if (m_type != kText) {
     const int c = v.classifyBox(m_boxMin, m_boxMax);
     if (c == 0) return false;
-    if (c == 2 && (m_type != kFace || !isFaceDataNull())) return true;
+    if (c == 2) return true;
   }
   switch (m_type) {
     case kPline:
@@ -169,11 +183,10 @@ bool CRenderShape::intersectVolume(const CPickVolume& v, int mode) const {
 }
 
 bool CRenderShape::allInVolume(const CPickVolume& v) const {
-  if (!v.valid()) return false;
+  if (!v.valid() || !hasPickGeometry()) return false;
   switch (m_type) {
     case kPline:
     case kPgon:
-      if (m_pts.empty()) return false;
       if (v.classifyBox(m_boxMin, m_boxMax) == 2) return true;
       if (!v.containsAll(m_pts)) return false;
       for (const auto& h : m_holes)
@@ -181,13 +194,11 @@ bool CRenderShape::allInVolume(const CPickVolume& v) const {
       return true;
     case kText: {
       const Contours lines = textContours(*this);
-      if (lines.empty()) return false;
       for (const auto& line : lines)
         if (!v.containsAll(line)) return false;
       return true;
     }
     case kFace:
-      if (isFaceDataNull() || m_meshVertices->empty()) return false;
       if (v.classifyBox(m_boxMin, m_boxMax) == 2) return true;
       if (!v.containsAll(*m_meshVertices)) return false;
       for (const auto& line : m_hitLines)

@@ -150,8 +150,9 @@ class KXRENDER_API CRenderObject {
   // Rectangle selection with the view data of CRenderShape::intersectRect:
   // intersectRect when some shape crosses the rectangle or lies inside it
   // (mode as the shapes take it; a negative mode means the object's own
-  // render mode), allInRect when the object has a drawn shape and every
-  // drawn shape lies inside.
+  // render mode), allInRect when the object draws a shape with geometry
+  // and every such shape lies inside. The object's box settles objects
+  // wholly inside or outside without looking at their shapes.
   bool intersectRect(const CRect& rect, const std::vector<std::vector<double>>& view, int mode = -1) const;
   bool allInRect(const CRect& rect, const std::vector<std::vector<double>>& view) const;
 

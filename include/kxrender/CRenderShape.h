@@ -178,6 +178,8 @@ class KXRENDER_API CRenderShape {
   bool intersectRect(const CRect& rect, const std::vector<std::vector<double>>& view, CObjectSetMgr* set,
                      int mode) const;
   bool allInRect(const CRect& rect, const std::vector<std::vector<double>>& view, CObjectSetMgr* set) const;
+  // Whether the shape has geometry the rectangle tests can find.
+  bool hasPickGeometry() const;
   // The same against a prepared rectangle volume (objects test many shapes).
   bool intersectVolume(const CPickVolume& volume, int mode) const;
   bool allInVolume(const CPickVolume& volume) const;

@@ -125,6 +125,29 @@ TEST(ObjectRect, AnyShapeCrossesEveryShapeInside) {
     EXPECT_EQ(o.intersectRect(r.r, view()), r.crosses) << r.what;
     EXPECT_EQ(o.allInRect(r.r, view()), r.inside) << r.what;
   }
+  // A text without outlines has nothing to select: it neither keeps its
+  // object out of a window nor lets it in, whether the box or the shapes
+  // decide.
+  CRenderShape label;
+  TextInfo* t = new TextInfo;
+  t->text = "A";
+  t->height = 1.0;
+  t->position = AcGePoint3d(5, 5, 0);
+  t->dir1 = AcGeVector3d(1, 0, 0);
+  t->dir2 = AcGeVector3d(0, 1, 0);
+  label.set(t, CColor(), AcGeVector3d(0, 0, 1));
+  CRenderObject labelled;
+  labelled.addShape(rectShape(-1, -1, 1, 1, 0));
+  labelled.addShape(label);
+  labelled.endAddShape();
+  EXPECT_TRUE(labelled.allInRect(px(-2, -2, 2, 2), view()));
+  EXPECT_TRUE(labelled.allInRect(px(-9, -9, 9, 9), view()));
+  CRenderObject onlyText;
+  onlyText.addShape(label);
+  onlyText.endAddShape();
+  EXPECT_FALSE(onlyText.allInRect(px(-9, -9, 9, 9), view()));
+  EXPECT_FALSE(onlyText.intersectRect(px(-9, -9, 9, 9), view()));
+
   CRenderObject empty;
   EXPECT_FALSE(empty.allInRect(px(-9, -9, 9, 9), view()));
   EXPECT_FALSE(empty.intersectRect(px(-9, -9, 9, 9), view()));
