@@ -63,12 +63,12 @@ bool kxpick::objectCrossesRect(const CRenderObject& obj, const CRect& rect, cons
   if (!plain.valid()) return false;
   const int c = byBox(obj, plain);
   if (c != 1) return c == 2;
-  return eachDrawn(obj, rect, view, plain,
-                   [mode](unsigned, const CRenderShape& s, const CPickVolume& v) { return s.intersectVolume(v, mode); });
+  return eachDrawn(obj, rect, view, plain, [mode](unsigned, const CRenderShape& s, const CPickVolume& v) {
+    return s.intersectVolume(v, mode);
+  });
 }
 
-bool kxpick::objectInRect(const CRenderObject& obj, const CRect& rect, const ViewData& view,
-                          const CPickVolume& plain) {
+bool kxpick::objectInRect(const CRenderObject& obj, const CRect& rect, const ViewData& view, const CPickVolume& plain) {
   if (!plain.valid()) return false;
   const int c = byBox(obj, plain);
   if (c != 1) return c == 2;
@@ -82,8 +82,8 @@ bool kxpick::objectInRect(const CRenderObject& obj, const CRect& rect, const Vie
   return any && !outside;
 }
 
-bool CRenderObject::intersectRay(const AcGePoint3d& p1, const AcGePoint3d& p2, double tol, bool flag,
-                                 double& distance, AcGePoint3d& hitPt, unsigned& shapeIndex) const {
+bool CRenderObject::intersectRay(const AcGePoint3d& p1, const AcGePoint3d& p2, double tol, bool flag, double& distance,
+                                 AcGePoint3d& hitPt, unsigned& shapeIndex) const {
   const AcGeVector3d dir = p2 - p1;
   const double len = dir.length();
   if (!(len > 0.0) || !std::isfinite(len) || !std::isfinite(tol)) return false;

@@ -48,8 +48,8 @@ bool CSceneMgr::pick(CPoint const& pt, unsigned int& objId, unsigned int& shapeI
     unsigned shape = 0;
     if (!obj->intersectRay(nearPt, farPt, tol, flag, distance, at, shape)) continue;
     // After every hit at the same distance: the one met first stays first.
-    const auto pos = std::upper_bound(hits.begin(), hits.end(), distance,
-                                      [](double d, const Hit& h) { return d < h.distance; });
+    const auto pos =
+        std::upper_bound(hits.begin(), hits.end(), distance, [](double d, const Hit& h) { return d < h.distance; });
     hits.insert(pos, Hit{distance, ids[i], shape, obj->getShape(shape).getShpType()});
   }
   hits.erase(std::remove_if(hits.begin(), hits.end(), [type](const Hit& h) { return !kept(type, h.kind); }),

@@ -58,7 +58,7 @@ CPickVolume::CPickVolume(const CRect& rect, const ViewData& view, const AcGeMatr
   // Inside in clip space: x - x0 w >= 0, x1 w - x >= 0, likewise y, and
   // -w <= z <= w. Each is a row combination h . (C p).
   const double rows[6][4] = {{1, 0, 0, -x0}, {-1, 0, 0, x1}, {0, 1, 0, -y0},
-                             {0, -1, 0, y1},  {0, 0, 1, 1},  {0, 0, -1, 1}};
+                             {0, -1, 0, y1}, {0, 0, 1, 1},   {0, 0, -1, 1}};
   for (int p = 0; p < 6; ++p) {
     double h[4] = {0, 0, 0, 0};
     for (int col = 0; col < 4; ++col)
@@ -107,8 +107,10 @@ bool CPickVolume::meetsSegment(const AcGePoint3d& a, const AcGePoint3d& b) const
     const double da = side(i, a) + slack, db = side(i, b) + slack;
     if (std::isnan(da) || std::isnan(db)) return false;
     if (da < 0.0 && db < 0.0) return false;
-    if (da < 0.0) t0 = std::max(t0, da / (da - db));
-    else if (db < 0.0) t1 = std::min(t1, da / (da - db));
+    if (da < 0.0)
+      t0 = std::max(t0, da / (da - db));
+    else if (db < 0.0)
+      t1 = std::min(t1, da / (da - db));
     if (t0 > t1) return false;
   }
   return true;

@@ -64,8 +64,8 @@ const CFaceMeshBvh* CRenderShape::faceBvh() const {
   return m_faceBvh.get();
 }
 
-bool CRenderShape::intersectRay(const AcGePoint3d& p1, const AcGePoint3d& p2, AcGePoint3d& hitPt, double tol,
-                                int mode, bool solid) const {
+bool CRenderShape::intersectRay(const AcGePoint3d& p1, const AcGePoint3d& p2, AcGePoint3d& hitPt, double tol, int mode,
+                                bool solid) const {
   const AcGeVector3d dir = p2 - p1;
   double margin = tol;
   if (!CRenderSysUtils::rayIntersectWithBox(p1, dir, m_boxMin, m_boxMax, nullptr, nullptr, &margin)) return false;
@@ -144,8 +144,7 @@ bool CRenderShape::intersectVolume(const CPickVolume& v, int mode) const {
         const AcGeVector3d along = v.cornerFar(i) - v.cornerNear(i);
         AcGePoint3d hit;
         if (CRenderSysUtils::faceIntersectWithLine(m_pts, AcGeVector3d(0, 0, 0), v.cornerNear(i), along, hit,
-                                                   CRenderSysUtils::PRECISION,
-                                                   m_holes) &&
+                                                   CRenderSysUtils::PRECISION, m_holes) &&
             v.cornerNear(i).distanceTo(hit) <= along.length())
           return true;
       }

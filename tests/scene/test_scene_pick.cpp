@@ -67,8 +67,8 @@ TEST_F(ScenePick, CandidateRectangleByAperture) {
     int aperture;
     double dx;
     bool hit;
-  } rows[] = {{12, 5.9, true}, {12, -5.9, true}, {12, 6.2, false}, {12, -6.2, false},
-              {5, 2.4, true},  {5, -1.9, true},  {5, -2.4, false}, {13, 6.4, true}, {13, -6.4, false}};
+  } rows[] = {{12, 5.9, true}, {12, -5.9, true}, {12, 6.2, false}, {12, -6.2, false}, {5, 2.4, true},
+              {5, -1.9, true}, {5, -2.4, false}, {13, 6.4, true},  {13, -6.4, false}};
   for (const auto& r : rows) {
     set().clear();
     scene.setPickPixelPrecision(r.aperture);
@@ -94,7 +94,7 @@ TEST_F(ScenePick, NearestFirstTiesToTheLaterCandidateKindFilter) {
     bool flag, ok;
     unsigned id;
     int extra;
-  } rows[] = {{0, true, true, above, 4}, {2, true, true, above, 3}, {1, true, true, line, 1},
+  } rows[] = {{0, true, true, above, 4}, {2, true, true, above, 3},  {1, true, true, line, 1},
               {7, true, true, above, 4}, {0, false, false, 777, -1}, {1, false, false, 777, -1}};
   for (const auto& r : rows) {
     p = pickAt(400, 300, r.type, r.flag);
@@ -112,8 +112,8 @@ TEST_F(ScenePick, NearestFirstTiesToTheLaterCandidateKindFilter) {
 
 TEST_F(ScenePick, ThroughAWindowOpeningToThePanelBehind) {
   const AcGePoint3d a = at(300, 200), b = at(500, 400), h0 = at(370, 270), h1 = at(430, 330);
-  const unsigned panel = add(object(square(a.x, b.y, b.x, a.y, 10), CRenderShape::kPgon,
-                                    {square(h0.x, h1.y, h1.x, h0.y, 10)}));
+  const unsigned panel =
+      add(object(square(a.x, b.y, b.x, a.y, 10), CRenderShape::kPgon, {square(h0.x, h1.y, h1.x, h0.y, 10)}));
   const unsigned behind = add(object(square(a.x, b.y, b.x, a.y, 0), CRenderShape::kPgon));
   EXPECT_EQ(pickAt(400, 300).id, behind);
   EXPECT_EQ(pickAt(320, 220).id, panel);
@@ -128,10 +128,9 @@ TEST_F(ScenePick, WindowAndCrossingOnADiagonalStrip) {
   // A long thin diagonal strip: its box covers most of the view.
   const AcGePoint3d p = at(150, 550), q = at(650, 50);
   const AcGeVector3d across = (at(1, 0) - at(0, 0)) * 3;
-  const unsigned strip =
-      add(object({p - across, q - across, q + across, p + across}, CRenderShape::kPgon));
-  const unsigned dot = add(object(square(at(200, 100).x, at(200, 120).y, at(220, 100).x, at(200, 100).y),
-                                  CRenderShape::kPgon));
+  const unsigned strip = add(object({p - across, q - across, q + across, p + across}, CRenderShape::kPgon));
+  const unsigned dot =
+      add(object(square(at(200, 100).x, at(200, 120).y, at(220, 100).x, at(200, 100).y), CRenderShape::kPgon));
   const struct {
     const char* what;
     CPoint p1, p2;
@@ -164,8 +163,11 @@ TEST_F(ScenePick, BadInputSelectsNothing) {
   add(object(square(-500, -500, 500, 500), CRenderShape::kPgon));
   const CPoint outside[] = {{-1, 300}, {800, 300}, {400, 600}, {400, -40}};
   for (const CPoint& pt : outside) EXPECT_FALSE(scene.pick(pt, id, shape, 0, nullptr, true)) << pt.x << "," << pt.y;
-  const CPoint rects[][2] = {{{10, 10}, {10, 200}}, {{10, 10}, {200, 10}}, {{50, 50}, {50, 50}},
-                             {{-300, 10}, {-10, 200}}, {{900, 700}, {1200, 900}}};
+  const CPoint rects[][2] = {{{10, 10}, {10, 200}},
+                             {{10, 10}, {200, 10}},
+                             {{50, 50}, {50, 50}},
+                             {{-300, 10}, {-10, 200}},
+                             {{900, 700}, {1200, 900}}};
   for (const auto& r : rects) EXPECT_FALSE(scene.pick(r[0], r[1], ids)) << r[0].x << "," << r[1].x;
   EXPECT_EQ(id, 5u);
   EXPECT_EQ(shape, 6u);
@@ -220,8 +222,8 @@ TEST_F(ScenePick, SearchTreeAgreesWithTestingEveryObject) {
     std::vector<unsigned> ids;
     for (const auto& kv : set().objects()) {
       const CRenderObject& o = *kv.second;
-      if (o.isVisible() && (window ? kxpick::objectInRect(o, r, view, v)
-                                   : kxpick::objectCrossesRect(o, r, view, v, o.getRenderMode())))
+      if (o.isVisible() &&
+          (window ? kxpick::objectInRect(o, r, view, v) : kxpick::objectCrossesRect(o, r, view, v, o.getRenderMode())))
         ids.push_back(kv.first);
     }
     return ids;

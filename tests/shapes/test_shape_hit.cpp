@@ -33,7 +33,8 @@ CRenderShape mesh(const Contour& v, const std::vector<int>& idx) {
   s.setFaceVertexArray(&vv);
   s.setFaceTriangleIndexArray(&i);
   s.setFaceNormalArray(&n);
-  for (size_t k = 0; k + 2 < idx.size(); k += 3) s.addHitLine({v[size_t(idx[k])], v[size_t(idx[k + 1])], v[size_t(idx[k + 2])]});
+  for (size_t k = 0; k + 2 < idx.size(); k += 3)
+    s.addHitLine({v[size_t(idx[k])], v[size_t(idx[k + 1])], v[size_t(idx[k + 2])]});
   s.calBox();
   return s;
 }
@@ -63,7 +64,8 @@ TEST(ShapeRay, EachKindAndMode) {
   const CRenderShape line = pline({{0, 0, 0}, {10, 0, 0}});
   const CRenderShape holed = polygon(rect(0, 0, 10, 10), {rect(4, 4, 6, 6)});
   // z 0 below, z 5 above, overlapping over x, y in 0..2.
-  const CRenderShape twoDeep = mesh({{0, 0, 0}, {4, 0, 0}, {0, 4, 0}, {0, 0, 5}, {4, 0, 5}, {0, 4, 5}}, {0, 1, 2, 3, 4, 5});
+  const CRenderShape twoDeep =
+      mesh({{0, 0, 0}, {4, 0, 0}, {0, 4, 0}, {0, 0, 5}, {4, 0, 5}, {0, 4, 5}}, {0, 1, 2, 3, 4, 5});
   CRenderShape noArrays;
   noArrays.setFaceType(false);
   const struct {
