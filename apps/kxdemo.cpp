@@ -1,7 +1,8 @@
 // Renders the built-in scene off-screen and writes the frame as a PNG.
-//   kxdemo [--out FILE] [--size WIDTHxHEIGHT] [--tower S B | --tower M | --tower XL] [SCENE.json]
+//   kxdemo [--out FILE] [--size WIDTHxHEIGHT] [--tower S B | --tower M | --tower XL] [--pick X,Y] [SCENE.json]
 // The model is the reference tower (4 storeys, 3 bays unless --tower says
-// otherwise), or the scene file when one is named.
+// otherwise), or the scene file when one is named. The pixel at the centre
+// of the view (or X,Y) is picked: what it hits is printed and highlighted.
 #include <chrono>
 #include <cstdio>
 #include <iterator>
@@ -111,12 +112,32 @@ bool loadModel(CSceneMgr& scene, const ModelChoice& m) {
   return true;
 }
 
+// Picks the pixel, highlights the shape hit and says what it was.
+void pickAndMark(CSceneMgr& scene, CPoint pt) {
+  unsigned id = 0, shape = 0;
+  if (!scene.pick(pt, id, shape, 0, nullptr, true)) {
+    std::printf("kxdemo: pick at %ld,%ld: nothing\n", long(pt.x), long(pt.y));
+    return;
+  }
+  scene.setHighLight(id, shape, true);
+  // The scene answers the object and shape; the object gives the point.
+  AcGePoint3d nearPt, farPt, hit;
+  double distance = 0.0;
+  unsigned again = 0;
+  scene.getPointOfIntersectionThatEyeToNearFarFrustumPlane(pt, nearPt, farPt);
+  scene.getObj(id)->intersectRay(nearPt, farPt, scene.getPickPrecision(), true, distance, hit, again);
+  std::printf("kxdemo: pick at %ld,%ld: object %u, shape %u, point (%.3f, %.3f, %.3f)\n", long(pt.x), long(pt.y), id,
+              shape, hit.x, hit.y, hit.z);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   std::string out = "out/kxdemo.png";
   int width = 1280, height = 720;
   ModelChoice model;
+  bool pickGiven = false;
+  CPoint pickAt;
   for (int i = 1; i < argc; ++i) {
     if (!std::strcmp(argv[i], "--out") && i + 1 < argc) {
       out = argv[++i];
@@ -132,12 +153,20 @@ int main(int argc, char** argv) {
                      kTowerMaxStoreys, kTowerMinBays, kTowerMaxBays);
         return 2;
       }
+    } else if (!std::strcmp(argv[i], "--pick") && i + 1 < argc) {
+      int x = 0, y = 0;
+      if (std::sscanf(argv[++i], "%d,%d", &x, &y) != 2) {
+        std::fprintf(stderr, "kxdemo: --pick wants X,Y in window pixels\n");
+        return 2;
+      }
+      pickAt = CPoint(x, y);
+      pickGiven = true;
     } else if (argv[i][0] != '-' && model.sceneFile.empty()) {
       model.sceneFile = argv[i];
     } else {
       std::fprintf(stderr,
                    "usage: kxdemo [--out FILE] [--size WIDTHxHEIGHT] [--tower S B | --tower M | --tower XL] "
-                   "[SCENE.json]\n");
+                   "[--pick X,Y] [SCENE.json]\n");
       return 2;
     }
   }
@@ -154,6 +183,8 @@ int main(int argc, char** argv) {
   }
   scene.setBkColor(0x503C28);  // dark slate blue: red 0x28, green 0x3C, blue 0x50
   if (!loadModel(scene, model)) return 1;
+  scene.render();  // the view the pick is made in
+  pickAndMark(scene, pickGiven ? pickAt : CPoint(width / 2, height / 2));
   scene.render();
   scene.draw3dOrbit();
   scene.finish();

@@ -8,8 +8,9 @@ void BenchTable::Collector::ReportRuns(const std::vector<Run>& runs) {
     if (run.error_occurred) continue;
     const bool single = run.repetitions <= 1 && run.run_type == Run::RT_Iteration;
     if (!single && run.aggregate_name != "median") continue;
-    std::string metric = run.run_name.function_name;
-    metric = metric.substr(0, metric.rfind('/'));
+    // Metric names may hold a '/' themselves ("1/10"): cut at the size.
+    std::string metric = run.run_name.str();
+    metric = metric.substr(0, metric.find("/" + m_size + "/"));
     m_table.setTime(m_size, metric, run.GetAdjustedRealTime());
   }
 }
@@ -23,7 +24,8 @@ void BenchTable::setCounts(const std::string& size, size_t objects, size_t polyg
 void BenchTable::print(FILE* out) const {
   static const char* const frames[] = {kFirstFrame, kSteadyFrame, kAccelerateFrame, kZoomedFrame};
   static const char* const rows[] = {kBuild,     kFirstFrame, kSteadyFrame, kAccelerateFrame, kZoomedFrame,
-                                     kPointPick, kRectPick,   kLimitArray,  kLimitList};
+                                     kPointPick, kRectPick,   kPointPickFull, kPointPickWorst,
+                                     kRectWindow, kRectCrossing, kLimitArray, kLimitList};
   std::vector<std::string> sizes;
   for (const auto& kv : m_ms)
     if (std::find(m_sizes.begin(), m_sizes.end(), kv.first) == m_sizes.end()) sizes.push_back(kv.first);

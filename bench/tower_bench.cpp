@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -22,6 +23,12 @@
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+double threadCpuMs() {
+  timespec t{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+  return t.tv_sec * 1e3 + t.tv_nsec / 1e6;
+}
 
 double msSince(Clock::time_point t0) { return std::chrono::duration<double, std::milli>(Clock::now() - t0).count(); }
 
@@ -61,7 +68,22 @@ struct Model {
 };
 
 std::unique_ptr<Model> g_model;
+BenchTable* g_table = nullptr;
 int g_width = 1280, g_height = 720;
+
+// The i-th of the 200 fixed pick pixels: a 20 x 10 grid over the view.
+CPoint pickPixel(int i) {
+  return CPoint(32 + (i % 20) * (g_width - 64) / 19, 32 + (i / 20) * (g_height - 64) / 9);
+}
+
+// A tenth of the view's area, centred; dragged left to right for a window
+// selection, right to left for a crossing one.
+void tenthOfTheView(bool window, CPoint& p1, CPoint& p2) {
+  const int w = static_cast<int>(g_width * std::sqrt(0.1)), h = static_cast<int>(g_height * std::sqrt(0.1));
+  const CPoint a((g_width - w) / 2, (g_height - h) / 2), b(a.x + w, a.y + h);
+  p1 = window ? a : b;
+  p2 = window ? b : a;
+}
 
 // Looks along (-1, -1, -0.8) with z up on screen, then fits the model.
 void viewModel(CSceneMgr& scene) {
@@ -148,6 +170,36 @@ void registerSize(const std::string& size, int storeys, int bays) {
     });
     benchmark::DoNotOptimize(found.data());
   });
+  reg(BenchTable::kPointPickFull, 200, [size](benchmark::State& state) {
+    // The whole pick at each of the 200 pixels in turn; the slowest one is
+    // recorded beside the median.
+    static int next = 0;
+    static double worst = 0.0;
+    CSceneMgr& scene = *g_model->scene;
+    const int i = next++ % 200;
+    if (i == 0) worst = 0.0;
+    unsigned id = 0, shape = 0;
+    for (auto _ : state) {
+      const double cpu0 = threadCpuMs();
+      const Clock::time_point t0 = Clock::now();
+      scene.pick(pickPixel(i), id, shape, 0, nullptr, true);
+      state.SetIterationTime(msSince(t0) / 1000.0);
+      // Processor time: on a shared machine the wall clock of a single
+      // pick mostly measures when the scheduler let it run.
+      worst = std::max(worst, threadCpuMs() - cpu0);
+    }
+    benchmark::DoNotOptimize(id);
+    if (i == 199 && g_table) g_table->setTime(size, BenchTable::kPointPickWorst, worst);
+  });
+  for (const bool window : {true, false}) {
+    reg(window ? BenchTable::kRectWindow : BenchTable::kRectCrossing, 30, [window](benchmark::State& state) {
+      CPoint p1, p2;
+      tenthOfTheView(window, p1, p2);
+      std::vector<unsigned> ids;
+      timed(state, [&] { g_model->scene->pick(p1, p2, ids); });
+      benchmark::DoNotOptimize(ids.data());
+    });
+  }
   reg(BenchTable::kLimitArray, 30, [](benchmark::State& state) {
     if (!g_model->limit) g_model->limit.reset(new LimitDraw(*g_model->scene->getObjSetMgr()));
     g_model->frame();  // leaves the view's matrices in place
@@ -186,6 +238,7 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&restCount, rest.data());
 
   BenchTable table;
+  g_table = &table;
   for (const std::string& size : sizes) {
     int storeys = 0, bays = 0;
     if (size == "M") {

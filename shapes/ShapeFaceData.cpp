@@ -24,10 +24,14 @@ std::vector<T>* duplicate(const std::vector<T>* v) {
 }
 }  // namespace
 
-void CRenderShape::setFaceVertexArray(std::vector<AcGePoint3d>* v) { adopt(m_meshVertices, v, m_shareVertexData); }
+void CRenderShape::setFaceVertexArray(std::vector<AcGePoint3d>* v) {
+  adopt(m_meshVertices, v, m_shareVertexData);
+  m_faceBvh.reset();
+}
 
 void CRenderShape::setFaceTriangleIndexArray(std::vector<int>* v) {
   adopt(m_meshTriangleIndices, v, m_shareVertexData);
+  m_faceBvh.reset();
 }
 
 void CRenderShape::setFaceNormalArray(std::vector<AcGeVector3d>* v) { adopt(m_meshNormals, v, m_shareVertexData); }
@@ -56,6 +60,7 @@ void CRenderShape::freeFaceData() {
   m_meshTriangleIndices = nullptr;
   m_meshNormals = nullptr;
   m_meshTexCoords = nullptr;
+  m_faceBvh.reset();
 }
 
 // Shared arrays stay shared (same pointers); owned ones are duplicated. An
@@ -77,6 +82,7 @@ void CRenderShape::copyFaceData(const CRenderShape& src) {
     m_meshTexCoords = duplicate(src.m_meshTexCoords);
   }
   m_hitLines = src.m_hitLines;
+  m_faceBvh = src.m_faceBvh;
 }
 
 bool CRenderShape::isFaceDataNull() const { return !m_meshVertices || !m_meshTriangleIndices || !m_meshNormals; }

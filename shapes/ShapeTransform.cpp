@@ -40,6 +40,7 @@ void CRenderShape::transformBy(const AcGeMatrix3d& m) {
     if (m_meshNormals)
       for (AcGeVector3d& n : *m_meshNormals) n.transformBy(m);
   }
+  m_faceBvh.reset();
   for (auto& line : m_hitLines)
     for (AcGePoint3d& p : line) p.transformBy(m);
   calArea();
@@ -54,6 +55,7 @@ void CRenderShape::offsetFaceVertex(double d) {
   const std::vector<AcGeVector3d>& n = *m_meshNormals;
   const size_t count = std::min(v.size(), n.size());
   for (size_t i = 0; i < count; ++i) v[i] += n[i] * d;
+  m_faceBvh.reset();
 }
 
 // uv holds one coordinate per contour point: the outer contour, then, when

@@ -20,6 +20,7 @@
 #include "kxrender/Export.h"
 
 class CObjectSetMgr;
+class CRect;
 
 class KXRENDER_API CRenderObject {
  public:
@@ -141,6 +142,27 @@ class KXRENDER_API CRenderObject {
   void renderShadowVolume() {}
   // Shapes that must be drawn with the selection look after all objects.
   void addOutlineShape(const CRenderShape* s);
+
+  // ---- hit testing ----
+  // Over the visible full-detail shapes as they are drawn: the leading
+  // getExaGeoShapNum() shapes under each instance matrix (not at all
+  // without one), the others as they are.
+  //
+  // The hit of the ray from p1 along p2 - p1 nearest to p1 (the first shape
+  // on a tie), with tol the pick tolerance in model units. flag is handed to
+  // every shape as `solid`: filled geometry counts, and polylines are hit
+  // only with it. distance is measured along the ray from p1; shapeIndex
+  // indexes getShps(). The outputs stay untouched on a miss.
+  bool intersectRay(const AcGePoint3d& p1, const AcGePoint3d& p2, double tol, bool flag, double& distance,
+                    AcGePoint3d& hitPt, unsigned& shapeIndex) const;
+  // Rectangle selection with the view data of CRenderShape::intersectRect:
+  // intersectRect when some shape crosses the rectangle or lies inside it
+  // (mode as the shapes take it; a negative mode means the object's own
+  // render mode), allInRect when the object draws a shape with geometry
+  // and every such shape lies inside. The object's box settles objects
+  // wholly inside or outside without looking at their shapes.
+  bool intersectRect(const CRect& rect, const std::vector<std::vector<double>>& view, int mode = -1) const;
+  bool allInRect(const CRect& rect, const std::vector<std::vector<double>>& view) const;
 
   // ---- transforms ----
   void move(const AcGeVector3d& v);

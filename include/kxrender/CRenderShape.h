@@ -4,6 +4,7 @@
 // for drawing (strips, area, box) and its display attributes and tags.
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <vector>
 
 #include "kxrender/AcGeMatrix3d.h"
@@ -15,6 +16,10 @@
 #include "kxrender/Export.h"
 #include "kxrender/TextInfo.h"
 
+class CFaceMeshBvh;
+class CObjectSetMgr;
+class CPickVolume;
+class CRect;
 class CRenderObject;
 
 class KXRENDER_API CRenderShape {
@@ -158,6 +163,32 @@ class KXRENDER_API CRenderShape {
   const std::vector<std::vector<AcGePoint3d>>& getHitLine() const { return m_hitLines; }
   std::vector<std::vector<AcGePoint3d>>& getReservedContours() { return m_reserved; }
 
+  // ---- hit testing ----
+  // The ray runs from p1 along p2 - p1; tol is the pick tolerance in model
+  // units; mode is the object's render mode (0: wire frame); solid says
+  // whether filled geometry counts (a polyline is hit only when it does).
+  // A face mesh answers the hit nearest to p1.
+  bool intersectRay(const AcGePoint3d& p1, const AcGePoint3d& p2, AcGePoint3d& hitPt, double tol, int mode,
+                    bool solid) const;
+  double ptNearDistToEdge(const AcGePoint3d& pt) const;
+  // Rectangle selection in window pixels. view: the model-view and
+  // projection matrices (16 values each, column-major) and the viewport (4
+  // values), as scene picking prepares them; the set is not needed. The
+  // shape crosses the rectangle when an edge of its geometry (contours,
+  // hit lines in wire frame, triangles, glyph outlines) meets it, or, in a
+  // mode other than 0, when the rectangle lies within a polygon or mesh
+  // face; it is inside when every point of that geometry is. Only what
+  // lies between the view's near and far planes counts. A shape without
+  // geometry is neither.
+  bool intersectRect(const CRect& rect, const std::vector<std::vector<double>>& view, CObjectSetMgr* set,
+                     int mode) const;
+  bool allInRect(const CRect& rect, const std::vector<std::vector<double>>& view, CObjectSetMgr* set) const;
+  // Whether the shape has geometry the rectangle tests can find.
+  bool hasPickGeometry() const;
+  // The same against a prepared rectangle volume (objects test many shapes).
+  bool intersectVolume(const CPickVolume& volume, int mode) const;
+  bool allInVolume(const CPickVolume& volume) const;
+
   // ---- transforms and texture mapping ----
   void transformBy(const AcGeMatrix3d& m);
   void offsetFaceVertex(double d);
@@ -191,6 +222,8 @@ class KXRENDER_API CRenderShape {
   void takeFields(S&& o);
   void swapOwned(CRenderShape& o) noexcept;
   static float offsetBase(float area);
+  // The triangle tree of the face mesh, built on first use.
+  const CFaceMeshBvh* faceBvh() const;
 
   bool m_live = true;
   bool m_visible = true;
@@ -231,4 +264,7 @@ class KXRENDER_API CRenderShape {
   bool m_shareVertexData = false;
   std::vector<std::vector<AcGePoint3d>> m_hitLines;
   unsigned m_faceDisplayList = 0;
+  // Built lazily by hit tests and dropped whenever the mesh changes; copies
+  // of a shape share it, as their meshes are equal.
+  mutable std::shared_ptr<const CFaceMeshBvh> m_faceBvh;
 };

@@ -24,6 +24,9 @@ class KXRENDER_API CSceneMgr {
  public:
   enum ProjectPlane { PLANE_XY = 0, PLANE_XZ = 1, PLANE_YZ = 2, PLANE_NEAR = 3, PLANE_FAR = 4 };
   typedef int OrbitStatus;
+  // Which hits a point pick keeps: 1 polyline shapes only, 2 polygon and
+  // face-mesh shapes only, any other value every hit.
+  typedef int PickType;
   typedef void (*Scene2ModelFun)(CSceneMgr*);
 
   CSceneMgr();
@@ -75,6 +78,31 @@ class KXRENDER_API CSceneMgr {
   const double* getModelViewMatrix() const { return m_modelViewMatrix; }
   const int* getViewport() const { return m_viewport; }
   const std::vector<std::vector<double>>& getFrustumPlanes() const { return m_frustumPlanes; }
+
+  // --- picking -------------------------------------------------------------
+  // The nearest hit under the window pixel pt: the objects the rectangle
+  // pick finds crossing the pick aperture around pt are tested with the
+  // pick ray through pt (flag: filled geometry counts, see
+  // CRenderObject::intersectRay), nearest first, equal distances in the
+  // order met, then filtered by type. True with the object's id and the
+  // hit shape's index; *extra, when given, receives the number of hits kept.
+  // False, outputs untouched, for an empty set, a pixel outside the
+  // viewport or no hit.
+  bool pick(CPoint const& pt, unsigned int& objId, unsigned int& shapeIndex, PickType type, int* extra, bool flag);
+  // Rectangle selection in window pixels, cut to the viewport. With
+  // p1.x < p2.x (dragged left to right) a window selection: the objects
+  // wholly inside. Otherwise a crossing selection: the objects inside or
+  // crossing. Decided on the shapes' geometry as drawn (edges, faces in
+  // shaded modes, glyph outlines), not on boxes. Hidden objects and what
+  // the view does not show are never found. ids receives the ids in
+  // ascending order; true when there is one. A rectangle of zero width or
+  // height, an empty set or a view that cannot be inverted give false and
+  // leave ids untouched.
+  bool pick(CPoint const& p1, CPoint const& p2, std::vector<unsigned int>& ids);
+  // Flag one shape of one object; an unknown id or a shape index past the
+  // object's shapes changes nothing.
+  void setHit(unsigned int objId, unsigned int shapeIndex, bool on);
+  void setHighLight(unsigned int objId, unsigned int shapeIndex, bool on);
 
   // --- navigation ---------------------------------------------------------
   // Each changes the view, then calls the scene-to-model callback; none draws.

@@ -1,0 +1,154 @@
+// Object hit tests: the nearest shape along the ray, instanced shapes under
+// their matrices, hidden shapes, and the rectangle tests over all shapes.
+#include <gtest/gtest.h>
+
+#include "ObjectHelpers.h"
+#include "shapes/PickVolume.h"
+
+namespace {
+
+CRenderShape line(double x0, double y0, double x1, double y1, double z) {
+  CRenderShape s;
+  s.set({{x0, y0, z}, {x1, y1, z}}, {}, CRenderShape::kPline, CColor(), AcGeVector3d(0, 0, 1));
+  return s;
+}
+
+// Straight down through (x, y) from z = 100.
+struct Down {
+  bool hit;
+  double distance;
+  AcGePoint3d at;
+  unsigned shape;
+};
+Down down(const CRenderObject& o, double x, double y, bool flag = true) {
+  Down d{false, -1, AcGePoint3d(-1, -1, -1), 99};
+  d.hit = o.intersectRay(AcGePoint3d(x, y, 100), AcGePoint3d(x, y, -100), 0.1, flag, d.distance, d.at, d.shape);
+  return d;
+}
+
+// World x, y in -10..10 onto a 200 x 200 viewport: pixel (100 + 10 x, 100 - 10 y).
+CPickVolume::ViewData view() {
+  const double mv[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+  const double pr[16] = {0.1, 0, 0, 0, 0, 0.1, 0, 0, 0, 0, -0.01, 0, 0, 0, 0, 1};
+  const int vp[4] = {0, 0, 200, 200};
+  return CPickVolume::makeViewData(mv, pr, vp);
+}
+CRect px(double x0, double y0, double x1, double y1) {
+  return CRect(int(100 + 10 * x0), int(100 - 10 * y1), int(100 + 10 * x1), int(100 - 10 * y0));
+}
+
+}  // namespace
+
+TEST(ObjectRay, NearestShapeAlongTheRay) {
+  CRenderObject o;
+  o.addShape(rectShape(0, 0, 4, 4, 0));
+  o.addShape(rectShape(0, 0, 4, 4, 5));
+  o.addShape(line(0, 1, 4, 1, 7));
+  o.addShape(rectShape(0, 0, 4, 4, 5));  // equal distance: the first stays
+  o.endAddShape();
+  const struct {
+    const char* what;
+    double x, y;
+    bool flag, hit;
+    unsigned shape;
+    double distance;
+  } rows[] = {
+      {"upper face", 2, 2, true, true, 1, 95},
+      {"polyline above both", 2, 1.05, true, true, 2, 93},
+      {"without flag: no fill, no polyline", 2, 1.05, false, false, 99, -1},
+      {"beside everything", 6, 6, true, false, 99, -1},
+  };
+  for (const auto& r : rows) {
+    const Down d = down(o, r.x, r.y, r.flag);
+    EXPECT_EQ(d.hit, r.hit) << r.what;
+    EXPECT_EQ(d.shape, r.shape) << r.what;
+    EXPECT_NEAR(d.distance, r.distance, 1e-9) << r.what;
+  }
+  o.getShape(1).setVisible(false);
+  EXPECT_EQ(down(o, 2, 2).shape, 3u);  // hidden shapes are not hit
+}
+
+TEST(ObjectRay, InstancedShapesOnlyUnderTheirMatrices) {
+  CRenderObject o;
+  o.addShape(rectShape(0, 0, 1, 1, 0));  // instanced
+  o.addShape(rectShape(5, 5, 6, 6, 0));  // plain
+  o.setExaGeoShapNum(1);
+  EXPECT_FALSE(down(o, 0.5, 0.5).hit);  // drawn nowhere without a matrix
+  CSimpleMatrix* a = new CSimpleMatrix;
+  a->setTranslate(20, 0, 0);
+  CSimpleMatrix* b = new CSimpleMatrix;
+  b->setZMove(3);
+  o.addSmpMat(a);
+  o.addSmpMat(b);
+  o.endAddShape();
+  Down d = down(o, 20.5, 0.5);
+  ASSERT_TRUE(d.hit);
+  EXPECT_EQ(d.shape, 0u);
+  EXPECT_NEAR(d.at.x, 20.5, 1e-9);
+  d = down(o, 0.5, 0.5);
+  ASSERT_TRUE(d.hit);
+  EXPECT_NEAR(d.at.z, 3.0, 1e-9);  // lifted by its matrix
+  EXPECT_EQ(down(o, 5.5, 5.5).shape, 1u);
+  EXPECT_FALSE(down(o, 25.5, 5.5).hit);  // plain shapes are not instanced
+
+  EXPECT_FALSE(o.allInRect(px(-1, -1, 7, 7), view()));  // the instance at x 20 is off the view
+
+  // Rectangles see an instance where it is drawn, not where it is defined.
+  CRenderObject moved;
+  moved.addShape(rectShape(0, 0, 1, 1, 0));
+  moved.setExaGeoShapNum(1);
+  CSimpleMatrix* left = new CSimpleMatrix;
+  left->setTranslate(-5, 0, 0);
+  moved.addSmpMat(left);
+  moved.endAddShape();
+  EXPECT_TRUE(moved.intersectRect(px(-4.8, 0.2, -4.2, 0.8), view()));
+  EXPECT_FALSE(moved.intersectRect(px(0.2, 0.2, 0.8, 0.8), view()));
+  EXPECT_TRUE(moved.allInRect(px(-6, -1, -3, 2), view()));
+}
+
+TEST(ObjectRect, AnyShapeCrossesEveryShapeInside) {
+  CRenderObject o;
+  o.addShape(rectShape(-8, -8, -6, -6, 0));
+  o.addShape(line(4, 4, 8, 8, 0));
+  o.endAddShape();
+  const struct {
+    const char* what;
+    CRect r;
+    bool crosses, inside;
+  } rows[] = {
+      {"around both", px(-9, -9, 9, 9), true, true},
+      {"around one", px(-9, -9, 0, 0), true, false},
+      {"across the line only", px(5, 5, 7, 7), true, false},
+      {"inside the boxes, off the geometry", px(-2, 2, 2, 4), false, false},
+  };
+  for (const auto& r : rows) {
+    EXPECT_EQ(o.intersectRect(r.r, view()), r.crosses) << r.what;
+    EXPECT_EQ(o.allInRect(r.r, view()), r.inside) << r.what;
+  }
+  // A text without outlines has nothing to select: it neither keeps its
+  // object out of a window nor lets it in, whether the box or the shapes
+  // decide.
+  CRenderShape label;
+  TextInfo* t = new TextInfo;
+  t->text = "A";
+  t->height = 1.0;
+  t->position = AcGePoint3d(5, 5, 0);
+  t->dir1 = AcGeVector3d(1, 0, 0);
+  t->dir2 = AcGeVector3d(0, 1, 0);
+  label.set(t, CColor(), AcGeVector3d(0, 0, 1));
+  CRenderObject labelled;
+  labelled.addShape(rectShape(-1, -1, 1, 1, 0));
+  labelled.addShape(label);
+  labelled.endAddShape();
+  EXPECT_TRUE(labelled.allInRect(px(-2, -2, 2, 2), view()));
+  EXPECT_TRUE(labelled.allInRect(px(-9, -9, 9, 9), view()));
+  CRenderObject onlyText;
+  onlyText.addShape(label);
+  onlyText.endAddShape();
+  EXPECT_FALSE(onlyText.allInRect(px(-9, -9, 9, 9), view()));
+  EXPECT_FALSE(onlyText.intersectRect(px(-9, -9, 9, 9), view()));
+
+  CRenderObject empty;
+  EXPECT_FALSE(empty.allInRect(px(-9, -9, 9, 9), view()));
+  EXPECT_FALSE(empty.intersectRect(px(-9, -9, 9, 9), view()));
+}
