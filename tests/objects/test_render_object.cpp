@@ -182,20 +182,6 @@ TEST(RenderObjectTransforms, InstancedShapesAndExactDataFollowUnderTheirMatrix) 
   EXPECT_EQ(o.ptMax().z, 14.0);
 }
 
-TEST(RenderObjectLod, LevelsResizeTogether) {
-  CRenderObject o;
-  o.setLodLevel(2);
-  EXPECT_EQ(o.getLodShpss().size(), 2u);
-  EXPECT_EQ(o.getLodExaShapeNum(1), 0u);
-  EXPECT_EQ(o.getLodUnitsPerPixel(1), 0.0f);
-  o.getLodUnitsPerPixel(1) = 4.0f;
-  o.setLodLevel(3);
-  EXPECT_EQ(o.getLodUnitsPerPixel(1), 4.0f);
-  EXPECT_FALSE(o.hasMaxUnitsPerPixel());
-  o.setMaxUnitsPerPixel(5.0);
-  EXPECT_TRUE(o.hasMaxUnitsPerPixel());
-}
-
 TEST(RenderObjectCamera, DistanceIsSignedAlongTheLineOfSight) {
   CRenderObject loose;
   EXPECT_EQ(loose.distanceToCamera(), 0.0);
