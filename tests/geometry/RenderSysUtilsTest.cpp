@@ -70,20 +70,19 @@ TEST(RenderSysUtilsTest, NormalUsesTheSecondEdgeAndAnglesPickTheirSide) {
 }
 
 TEST(RenderSysUtilsTest, AreasAndOrientation) {
-  EXPECT_NEAR(U::getTriangleArea(AcGePoint3d(0, 0, 5), AcGePoint3d(4, 0, 0), AcGePoint3d(1, 3, 9)), 6.0, 1e-14);
-  EXPECT_EQ(U::getTriangleArea(AcGePoint3d(1, 1, 0), AcGePoint3d(1, 1, 3), AcGePoint3d(2, 2, 0)), 0.0);
-  EXPECT_NEAR(U::getPolygonArea(square(true, true)), 1.0, 1e-15);
-  EXPECT_NEAR(U::getPolygonArea(square(false, false)), 1.0, 1e-15);
-  EXPECT_EQ(U::getPolygonArea({AcGePoint3d(0, 0, 0), AcGePoint3d(1, 1, 0), AcGePoint3d(2, 2, 0)}), 0.0);
-  EXPECT_EQ(U::getPolygonArea({AcGePoint3d(0, 0, 0), AcGePoint3d(1, 1, 0)}), 0.0);
-
-  EXPECT_FALSE(U::polyClockWise(square(true, false)));
-  EXPECT_FALSE(U::polyClockWise(square(true, true)));
-  EXPECT_TRUE(U::polyClockWise(square(false, true)));
-  EXPECT_TRUE(U::polyClockWise({AcGePoint3d(0, 0, 0), AcGePoint3d(1, 1, 0), AcGePoint3d(2, 2, 0)}));
-  EXPECT_FALSE(U::polyClockWise({AcGePoint3d(0, 0, 0), AcGePoint3d(1, 1, 0)}));
-  // Three points whose last closes the first leave two: not enough.
-  EXPECT_FALSE(U::polyClockWise({AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0), AcGePoint3d(0, 0, 0)}));
+  EXPECT_NEAR(U::getTriangleArea(P(0, 0, 5), P(4, 0, 0), P(1, 3, 9)), 6.0, 1e-14);
+  EXPECT_EQ(U::getTriangleArea(P(1, 1, 0), P(1, 1, 3), P(2, 2, 0)), 0.0);
+  // {points, unsigned area, clockwise}: collinear points count as clockwise;
+  // three points whose last closes the first leave two, not enough.
+  const std::tuple<std::vector<P>, double, bool> rows[] = {
+      {square(true, true), 1, false},           {square(true, false), 1, false},
+      {square(false, true), 1, true},           {square(false, false), 1, true},
+      {{P(0, 0, 0), P(1, 1, 0), P(2, 2, 0)}, 0, true}, {{P(0, 0, 0), P(1, 1, 0)}, 0, false},
+      {{P(0, 0, 0), P(1, 0, 0), P(0, 0, 0)}, 0, false}};
+  for (const auto& [pts, area, clockwise] : rows) {
+    EXPECT_NEAR(U::getPolygonArea(pts), area, 1e-15) << pts.size() << clockwise;
+    EXPECT_EQ(U::polyClockWise(pts), clockwise) << pts.size() << area;
+  }
 }
 
 TEST(RenderSysUtilsTest, CvtClockReversesOnlyTheOrder) {
