@@ -73,10 +73,10 @@ TEST_F(ObjectFrame, FrameOrderPushesTheDepthRangeAndDrawsOutlinesLast) {
   set().addObject(rectObject(-5, -5, 5, 5));
   GLRecorder rec(true);
   scene.render();
-  expectSubsequence(rec, {"glRenderMode(7168)", "glPushAttrib(2928)", "glDepthRange(0.1, 1)", "glEnable(32823)",
-                          "glPointSize(3)", "glLineStipple(1, 3855)", "glDepthRange(0.09995, 1)",
-                          "glNormal3f(0, 0, 1)", "glPopAttrib()", "glDisable(32823)", "glPopAttrib()",
-                          "glLineWidth(1.20000005)"});
+  expectSubsequence(rec, {"glRenderMode(7168)", "glEnable(2977)", "glPushAttrib(2928)", "glDepthRange(0.1, 1)",
+                          "glEnable(32823)", "glPointSize(3)", "glEnable(2852)", "glLineStipple(1, 3855)",
+                          "glDepthRange(0.09995, 1)", "glNormal3f(0, 0, 1)", "glPopAttrib()", "glDisable(2852)",
+                          "glDisable(32823)", "glPopAttrib()", "glLineWidth(1.20000005)"});
 }
 
 TEST_F(ObjectFrame, StaticObjectsAreReplayedWhenVisibleAndNotAccelerating) {
@@ -124,7 +124,7 @@ TEST_F(ObjectFrame, ShadowModeRunsTheStencilPassesInOrder) {
   scene.render();
   expectSubsequence(rec, {"glColorMask(0, 0, 0, 0)", "glDepthMask(0)", "glEnable(2960)",
                           "glStencilOp(7680, 34055, 7680)", "glCullFace(1028)", "glStencilOp(7680, 34056, 7680)",
-                          "glCullFace(1029)", "glColorMask(1, 1, 1, 1)", "glStencilFunc(514, 0, 4.2949673e+09)",
+                          "glCullFace(1029)", "glDepthFunc(515)", "glColorMask(1, 1, 1, 1)", "glStencilFunc(514, 0, 4.2949673e+09)",
                           "glEnable(16384)", "glDisable(2960)"});
   // The object is drawn in the unlit pass and again in the lit one, and
   // shadows leave the polygon offset to their own passes.
