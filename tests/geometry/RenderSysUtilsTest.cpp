@@ -20,6 +20,7 @@
 #include "platform/Win32System.h"
 
 using U = CRenderSysUtils;
+using P = AcGePoint3d;
 
 namespace {
 
@@ -54,62 +55,51 @@ TEST(RenderSysUtilsTest, FloatCompBoundsAndSphere) {
   EXPECT_FLOAT_EQ(r, 1.5f);
 }
 
-TEST(RenderSysUtilsTest, NormalUsesSecondEdgeFromMiddlePoint) {
-  // (p2 - p1) x (p3 - p2) differs from (p2 - p1) x (p3 - p1) in length.
-  AcGeVector3d n = U::getNormal(AcGePoint3d(0, 0, 0), AcGePoint3d(2, 0, 0), AcGePoint3d(2, 3, 0));
-  EXPECT_TRUE(n.isEqualTo(AcGeVector3d(0, 0, 6)));
-  AcGeVector3d m = U::getNormal(AcGePoint3d(0, 0, 0), AcGePoint3d(2, 0, 0), AcGePoint3d(5, 3, 0));
-  EXPECT_TRUE(m.isEqualTo(AcGeVector3d(0, 0, 6)));
-}
-
-TEST(RenderSysUtilsTest, AngleSideChoice) {
-  EXPECT_NEAR(U::getAngle(AcGePoint3d(0, 0, 0), AcGePoint3d(0, -1, 0)), 1.5 * M_PI, 1e-15);
-  EXPECT_EQ(U::getAngle(AcGePoint3d(1, 1, 1), AcGePoint3d(1, 1, 1)), 0.0);
-  EXPECT_NEAR(U::getAngle(AcGePoint3d(0, 0, 0), AcGePoint3d(-1, 0, 0)), M_PI, 1e-15);
-  // z takes part in the angle: straight up is pi/2, on either side.
-  EXPECT_NEAR(U::getAngle(AcGePoint3d(0, 0, 0), AcGePoint3d(0, 0, 1)), M_PI / 2, 1e-15);
-  EXPECT_NEAR(U::getAngle(AcGePoint3d(0, 0, 0), AcGePoint3d(1, -1e-9, 1)), 2 * M_PI - M_PI / 4, 1e-8);
+TEST(RenderSysUtilsTest, NormalUsesTheSecondEdgeAndAnglesPickTheirSide) {
+  // (p2 - p1) x (p3 - p2), not (p2 - p1) x (p3 - p1): the lengths differ.
+  EXPECT_TRUE(U::getNormal(P(0, 0, 0), P(2, 0, 0), P(5, 3, 0)).isEqualTo(AcGeVector3d(0, 0, 6)));
+  // {to, angle from the origin}; z takes part: straight up is pi/2.
+  const std::pair<P, double> rows[] = {{P(0, -1, 0), 1.5 * M_PI},
+                                       {P(-1, 0, 0), M_PI},
+                                       {P(0, 0, 0), 0.0},
+                                       {P(0, 0, 1), M_PI / 2},
+                                       {P(1, -1e-9, 1), 2 * M_PI - M_PI / 4}};
+  for (const auto& r : rows) EXPECT_NEAR(U::getAngle(P(0, 0, 0), r.first), r.second, 1e-8) << r.first.y;
   EXPECT_NEAR(U::getAngle(AcGePoint2d(0, 0), AcGePoint2d(0, -1)), 1.5 * M_PI, 1e-15);
   EXPECT_EQ(U::getAngle(AcGePoint2d(0, 0), AcGePoint2d(5e-11, 0)), 0.0);
 }
 
 TEST(RenderSysUtilsTest, AreasAndOrientation) {
-  EXPECT_NEAR(U::getTriangleArea(AcGePoint3d(0, 0, 5), AcGePoint3d(4, 0, 0), AcGePoint3d(1, 3, 9)), 6.0, 1e-14);
-  EXPECT_EQ(U::getTriangleArea(AcGePoint3d(1, 1, 0), AcGePoint3d(1, 1, 3), AcGePoint3d(2, 2, 0)), 0.0);
-  EXPECT_NEAR(U::getPolygonArea(square(true, true)), 1.0, 1e-15);
-  EXPECT_NEAR(U::getPolygonArea(square(false, false)), 1.0, 1e-15);
-  EXPECT_EQ(U::getPolygonArea({AcGePoint3d(0, 0, 0), AcGePoint3d(1, 1, 0), AcGePoint3d(2, 2, 0)}), 0.0);
-  EXPECT_EQ(U::getPolygonArea({AcGePoint3d(0, 0, 0), AcGePoint3d(1, 1, 0)}), 0.0);
-
-  EXPECT_FALSE(U::polyClockWise(square(true, false)));
-  EXPECT_FALSE(U::polyClockWise(square(true, true)));
-  EXPECT_TRUE(U::polyClockWise(square(false, true)));
-  EXPECT_TRUE(U::polyClockWise({AcGePoint3d(0, 0, 0), AcGePoint3d(1, 1, 0), AcGePoint3d(2, 2, 0)}));
-  EXPECT_FALSE(U::polyClockWise({AcGePoint3d(0, 0, 0), AcGePoint3d(1, 1, 0)}));
-  // Three points whose last closes the first leave two: not enough.
-  EXPECT_FALSE(U::polyClockWise({AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0), AcGePoint3d(0, 0, 0)}));
+  EXPECT_NEAR(U::getTriangleArea(P(0, 0, 5), P(4, 0, 0), P(1, 3, 9)), 6.0, 1e-14);
+  EXPECT_EQ(U::getTriangleArea(P(1, 1, 0), P(1, 1, 3), P(2, 2, 0)), 0.0);
+  // {points, unsigned area, clockwise}: collinear points count as clockwise;
+  // three points whose last closes the first leave two, not enough.
+  const std::tuple<std::vector<P>, double, bool> rows[] = {
+      {square(true, true), 1, false},           {square(true, false), 1, false},
+      {square(false, true), 1, true},           {square(false, false), 1, true},
+      {{P(0, 0, 0), P(1, 1, 0), P(2, 2, 0)}, 0, true}, {{P(0, 0, 0), P(1, 1, 0)}, 0, false},
+      {{P(0, 0, 0), P(1, 0, 0), P(0, 0, 0)}, 0, false}};
+  for (const auto& [pts, area, clockwise] : rows) {
+    EXPECT_NEAR(U::getPolygonArea(pts), area, 1e-15) << pts.size() << clockwise;
+    EXPECT_EQ(U::polyClockWise(pts), clockwise) << pts.size() << area;
+  }
 }
 
 TEST(RenderSysUtilsTest, CvtClockReversesOnlyTheOrder) {
-  // A counter-clockwise square seen from +z is clockwise seen from -z.
-  std::vector<AcGePoint3d> pts = square(true, false);
-  std::vector<AcGePoint3d> original = pts;
-  U::cvtClock(pts, AcGeVector3d::kZAxis, false);
-  EXPECT_TRUE(pts[1].isEqualTo(original[1]));
-  U::cvtClock(pts, AcGeVector3d::kZAxis, true);
-  EXPECT_TRUE(pts[0].isEqualTo(original[3]));
-  EXPECT_TRUE(pts[3].isEqualTo(original[0]));
-  std::vector<AcGePoint3d> again = original;
-  U::cvtClock(again, -AcGeVector3d::kZAxis, true);
-  EXPECT_TRUE(again[1].isEqualTo(original[1]));  // already clockwise from below
-  // A vertical face.
-  std::vector<AcGePoint3d> wall = {AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0), AcGePoint3d(1, 0, 1),
-                                   AcGePoint3d(0, 0, 1)};
-  std::vector<AcGePoint3d> w2 = wall;
-  U::cvtClock(w2, AcGeVector3d(0, -1, 0), false);
-  EXPECT_TRUE(w2[1].isEqualTo(wall[1]));
-  U::cvtClock(w2, AcGeVector3d(0, 1, 0), false);
-  EXPECT_TRUE(w2[1].isEqualTo(wall[2]));
+  using V = AcGeVector3d;
+  const std::vector<P> ccw = square(true, false), wall = {P(0, 0, 0), P(1, 0, 0), P(1, 0, 1), P(0, 0, 1)};
+  // {points, seen along, wanted clockwise, reversed}: a counter-clockwise
+  // square seen from +z is clockwise seen from -z.
+  const std::tuple<std::vector<P>, V, bool, bool> rows[] = {
+      {ccw, V::kZAxis, false, false}, {ccw, V::kZAxis, true, true},      {ccw, -V::kZAxis, true, false},
+      {wall, V(0, -1, 0), false, false}, {wall, V(0, 1, 0), false, true}};
+  for (const auto& [pts, normal, clockwise, reversed] : rows) {
+    std::vector<P> got = pts;
+    U::cvtClock(got, normal, clockwise);
+    std::vector<P> want = pts;
+    if (reversed) std::reverse(want.begin(), want.end());
+    EXPECT_EQ(got, want) << normal.y << normal.z << clockwise;
+  }
 }
 
 TEST(RenderSysUtilsTest, CalPolyAreaInOwnPlane) {
@@ -321,25 +311,15 @@ TEST(RenderSysUtilsTest, MatrixConversionsAreColumnMajor) {
   float f[16];
   U::convertMatrixTo16(m, d);
   U::convertMatrixTo16(m, f);
-  EXPECT_EQ(d[12], m.entry[0][3]);  // translation in elements 12..14
-  EXPECT_EQ(d[1], m.entry[1][0]);
-  EXPECT_FLOAT_EQ(f[4], static_cast<float>(m.entry[0][1]));
   AcGeMatrix3d back, backF;
   U::convert16ToMatrix(d, back);
   U::convert16ToMatrix(f, backF);
+  for (int k = 0; k < 16; ++k) {
+    EXPECT_EQ(d[k], m.entry[k % 4][k / 4]) << k;  // translation in elements 12..14
+    EXPECT_FLOAT_EQ(f[k], float(m.entry[k % 4][k / 4])) << k;
+    EXPECT_NEAR(backF.entry[k % 4][k / 4], m.entry[k % 4][k / 4], 1e-6) << k;
+  }
   EXPECT_TRUE(back.isEqualTo(m));
-  EXPECT_NEAR(backF.entry[2][3], m.entry[2][3], 1e-6);
-  AcArray<AcGePoint3d> arr;
-  std::vector<AcGePoint3d> vec = {AcGePoint3d(9, 9, 9)};
-  arr.append(AcGePoint3d(1, 2, 3));
-  arr.append(AcGePoint3d(4, 5, 6));
-  U::acgePtary2vecPtary(arr, vec);
-  ASSERT_EQ(vec.size(), 2u);
-  EXPECT_TRUE(vec[1].isEqualTo(AcGePoint3d(4, 5, 6)));
-  vec.pop_back();
-  U::vecPtary2acgePtary(vec, arr);
-  ASSERT_EQ(arr.length(), 1);
-  EXPECT_TRUE(arr[0].isEqualTo(AcGePoint3d(1, 2, 3)));
 }
 
 TEST(RenderSysUtilsTest, Str2StrArrKeepsEmptyPiecesAndAppends) {

@@ -116,14 +116,39 @@ TEST(RobustnessTest, DegenerateCurvesGiveDefinedAnswers) {
   AcGeEllipArc3d flat(AcGePoint3d(), AcGeVector3d::kXAxis, AcGeVector3d::kYAxis, 0.0, 0.0);
   EXPECT_FALSE(flat.getNormalPoint(AcGePoint3d(1, 1, 0), poc));
   EXPECT_EQ(flat.length(0, 2 * M_PI), 0.0);
-  AcGePoint3dArray coincident;
-  coincident.append(AcGePoint3d(1, 1, 1));
-  coincident.append(AcGePoint3d(1, 1, 1));
-  EXPECT_FALSE(AcGeNurbCurve3d(coincident).isValid());
-  AcGePoint3dArray withNaN;
-  withNaN.append(AcGePoint3d());
-  withNaN.append(AcGePoint3d(kNaN, 1, 1));
-  EXPECT_FALSE(AcGeNurbCurve3d(withNaN).isValid());
+}
+
+TEST(RobustnessTest, InvalidNurbsDataGivesAnEmptyCurve) {
+  auto array = [](std::vector<AcGePoint3d> pts) {
+    AcGePoint3dArray a;
+    for (const AcGePoint3d& p : pts) a.append(p);
+    return a;
+  };
+  double knots[] = {0, 0, 1, 1}, decreasing[] = {0, 1, 0, 1};
+  const AcGePoint3dArray two = array({{0, 0, 0}, {1, 0, 0}});
+  AcGeDoubleArray zeroWeight;
+  zeroWeight.append(1.0);
+  zeroWeight.append(0.0);
+  ASSERT_TRUE(AcGeNurbCurve3d(1, AcGeKnotVector(4, knots), two).isValid());
+  const std::pair<const char*, AcGeNurbCurve3d> rows[] = {
+      {"wrong knot count", AcGeNurbCurve3d(2, AcGeKnotVector(4, knots), two)},
+      {"decreasing knots", AcGeNurbCurve3d(1, AcGeKnotVector(4, decreasing), two)},
+      {"zero weight", AcGeNurbCurve3d(1, AcGeKnotVector(4, knots), two, zeroWeight)},
+      {"coincident fit points", AcGeNurbCurve3d(array({{1, 1, 1}, {1, 1, 1}}))},
+      {"NaN fit point", AcGeNurbCurve3d(array({{0, 0, 0}, {kNaN, 1, 1}}))},
+      {"single fit point", AcGeNurbCurve3d(array({{0, 0, 0}}))},
+  };
+  for (const auto& [name, c] : rows) {
+    AcGePoint3d p;
+    AcGePointOnCurve3d poc;
+    AcArray<AcGePoint3d> samples;
+    c.getSamplePoints(4, samples);
+    EXPECT_FALSE(c.isValid()) << name;
+    EXPECT_FALSE(c.hasStartPoint(p)) << name;
+    EXPECT_FALSE(c.getNormalPoint(AcGePoint3d(0.5, 1, 0), poc)) << name;
+    EXPECT_EQ(c.length(0, 1), 0.0) << name;
+    EXPECT_EQ(samples.length(), 0) << name;
+  }
 }
 
 TEST(RobustnessTest, HugeCoordinatesStillWork) {

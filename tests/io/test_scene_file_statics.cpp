@@ -5,7 +5,7 @@
 
 #include "io/SceneFileHelpers.h"
 #include "kxrender/CStaticObject.h"
-#include "kxrender/KxWindow.h"
+#include "scene/SceneFixture.h"
 #include "support/GLRecorder.h"
 
 namespace {
@@ -26,20 +26,9 @@ KxStaticRecord loopAndFan() {
   return rec;
 }
 
-class SceneFileStatics : public ::testing::Test {
+class SceneFileStatics : public SceneFixture {
  protected:
-  void SetUp() override {
-    window = KxCreateOffscreenWindow(64, 64);
-    ASSERT_TRUE(window);
-    ASSERT_TRUE(scene.initializeRender(window, false, false));
-  }
-  void TearDown() override {
-    if (scene.getHRC()) scene.glRelease();
-    KxDestroyWindow(window);
-  }
-
-  HWND window = nullptr;
-  CSceneMgr scene;
+  void SetUp() override { open(64, 64); }
   TempDir dir;
 };
 

@@ -2,6 +2,7 @@
 // real frames read back from Mesa.
 #include <epoxy/gl.h>
 
+#include <array>
 #include <cstdlib>
 
 #include "ObjectHelpers.h"
@@ -11,20 +12,12 @@
 
 namespace {
 
-// Indices of the calls whose text equals each expected entry, in order;
-// fails when one is missing.
+// Fails unless the calls with these texts occur in this order.
 void expectSubsequence(const GLRecorder& rec, const std::vector<std::string>& expected) {
   size_t at = 0;
   for (const std::string& e : expected) {
-    bool found = false;
-    for (; at < rec.calls().size(); ++at) {
-      if (rec.calls()[at].text() == e) {
-        found = true;
-        ++at;
-        break;
-      }
-    }
-    ASSERT_TRUE(found) << "missing in order: " << e;
+    while (at < rec.calls().size() && rec.calls()[at].text() != e) ++at;
+    ASSERT_LT(at++, rec.calls().size()) << "missing in order: " << e;
   }
 }
 
@@ -34,8 +27,20 @@ size_t countText(const GLRecorder& rec, const std::string& text) {
   return n;
 }
 
+size_t colourCalls(const GLRecorder& rec, int r, int g, int b) {
+  return countText(rec, "glColor4ub(" + std::to_string(r) + ", " + std::to_string(g) + ", " + std::to_string(b) +
+                            ", 255)");
+}
+
 bool near(const std::vector<uint8_t>& px, int r, int g, int b, int tol = 3) {
   return px.size() == 4 && std::abs(px[0] - r) <= tol && std::abs(px[1] - g) <= tol && std::abs(px[2] - b) <= tol;
+}
+
+CRenderObject* objectOf(std::vector<CRenderShape> shapes) {
+  CRenderObject* o = new CRenderObject;
+  for (const CRenderShape& s : shapes) o->addShape(s);
+  o->endAddShape();
+  return o;
 }
 
 }  // namespace
@@ -64,20 +69,17 @@ class ObjectFrame : public SceneFixture {
   }
 };
 
-TEST_F(ObjectFrame, FrameOrderPushesTheDepthRangeMaskAndDrawsOutlinesLast) {
+TEST_F(ObjectFrame, FrameOrderPushesTheDepthRangeAndDrawsOutlinesLast) {
   set().addObject(rectObject(-5, -5, 5, 5));
   GLRecorder rec(true);
   scene.render();
-  expectSubsequence(rec, {"glRenderMode(7168)", "glEnable(2977)", "glGetDoublev(2982, 1)", "glPushAttrib(2928)",
-                          "glDepthRange(0.1, 1)", "glDisable(2896)", "glEnable(32823)", "glLineWidth(1)",
-                          "glEnableClientState(32884)", "glDisable(3042)", "glPointSize(3)",
-                          "glDisableClientState(32884)", "glDisable(3042)", "glEnable(2852)", "glLineStipple(1, 3855)",
-                          "glPushAttrib(2928)", "glDepthRange(0.09995, 1)", "glNormal3f(0, 0, 1)", "glPopAttrib()",
-                          "glLineWidth(1.20000005)", "glDisable(2852)", "glDisable(32823)", "glPopAttrib()",
-                          "glLineWidth(1.20000005)"});
+  expectSubsequence(rec, {"glRenderMode(7168)", "glEnable(2977)", "glPushAttrib(2928)", "glDepthRange(0.1, 1)",
+                          "glEnable(32823)", "glPointSize(3)", "glEnable(2852)", "glLineStipple(1, 3855)",
+                          "glDepthRange(0.09995, 1)", "glNormal3f(0, 0, 1)", "glPopAttrib()", "glDisable(2852)",
+                          "glDisable(32823)", "glPopAttrib()", "glLineWidth(1.20000005)"});
 }
 
-TEST_F(ObjectFrame, StaticObjectsAreReplayedUnlessAccelerating) {
+TEST_F(ObjectFrame, StaticObjectsAreReplayedWhenVisibleAndNotAccelerating) {
   CStaticObject* st = CStaticObject::createStaticObject();
   st->beginBuild();
   st->begin(CRenderSystem::kPoints);
@@ -85,45 +87,28 @@ TEST_F(ObjectFrame, StaticObjectsAreReplayedUnlessAccelerating) {
   st->end();
   st->endBuild();
   const unsigned list = set().addStaticObject(st);
-  const std::string call = "glCallList(" + std::to_string(list) + ")";
-  {
+  auto replays = [&] {
     GLRecorder rec(true);
     scene.render();
-    EXPECT_EQ(countText(rec, call), 1u);
-  }
+    return countText(rec, "glCallList(" + std::to_string(list) + ")");
+  };
+  EXPECT_EQ(replays(), 1u);
   set().setStaticObjectVisible(list, false);
-  {
-    GLRecorder rec(true);
-    scene.render();
-    EXPECT_EQ(countText(rec, call), 0u);
-  }
+  EXPECT_EQ(replays(), 0u);
   set().setStaticObjectVisible(list, true);
   scene.setAccelerate(true);
-  {
-    GLRecorder rec(true);
-    scene.render();
-    EXPECT_EQ(countText(rec, call), 0u);
-  }
+  EXPECT_EQ(replays(), 0u);
   set().delStaticObject(list);
   EXPECT_TRUE(set().staticObjects().empty());
 }
 
 TEST_F(ObjectFrame, HitOutlinesUseTheContrastRuleAndTheLineStipple) {
-  auto faceObject = [](const CColor& c) {
-    CRenderObject* o = new CRenderObject;
-    CRenderShape s = faceTriangle(c);
-    s.setBorderWidth(2.5, false);
-    o->addShape(s);
-    o->endAddShape();
-    o->hit(true);
-    return o;
-  };
-  set().addObject(faceObject(CColor(200, 200, 200, 255)));
+  CRenderShape s = faceTriangle(CColor(200, 200, 200, 255));
+  s.setBorderWidth(2.5, false);
+  set().addObject(objectOf({s}));
+  set().getObj(1)->hit(true);
   GLRecorder rec(true);
   scene.render();
-  const int stipple = rec.find("glLineStipple");
-  ASSERT_GE(stipple, 0);
-  EXPECT_GE(rec.find("glLineWidth", stipple), 0);
   expectSubsequence(rec, {"glLineStipple(1, 3855)", "glLineWidth(2.5)", "glColor3ub(0, 0, 255)", "glBegin(3)",
                           "glVertex3d(0, 8, 0)", "glEnd()"});
   rec.clear();
@@ -137,54 +122,66 @@ TEST_F(ObjectFrame, ShadowModeRunsTheStencilPassesInOrder) {
   scene.setShadow(true);
   GLRecorder rec(true);
   scene.render();
-  expectSubsequence(rec, {"glDisable(16384)", "glEnable(16384)", "glColorMask(0, 0, 0, 0)", "glDepthMask(0)",
-                          "glDepthFunc(513)", "glEnable(2960)", "glStencilOp(7680, 34055, 7680)",
-                          "glEnable(2884)", "glCullFace(1028)", "glStencilOp(7680, 34056, 7680)",
-                          "glCullFace(1029)", "glDepthMask(1)", "glDepthFunc(515)", "glColorMask(1, 1, 1, 1)",
-                          "glStencilOp(7680, 7680, 7680)", "glDisable(2884)", "glStencilFunc(514, 0, 4.2949673e+09)",
-                          "glEnable(16384)", "glDepthFunc(513)", "glDisable(2960)"});
-  // The object is drawn in the unlit pass and again in the lit one.
-  EXPECT_EQ(countText(rec, "glColor4ub(200, 100, 50, 255)"), 2u);
-  // Shadows leave the polygon offset to their own passes.
+  expectSubsequence(rec, {"glColorMask(0, 0, 0, 0)", "glDepthMask(0)", "glEnable(2960)",
+                          "glStencilOp(7680, 34055, 7680)", "glCullFace(1028)", "glStencilOp(7680, 34056, 7680)",
+                          "glCullFace(1029)", "glDepthFunc(515)", "glColorMask(1, 1, 1, 1)", "glStencilFunc(514, 0, 4.2949673e+09)",
+                          "glEnable(16384)", "glDisable(2960)"});
+  // The object is drawn in the unlit pass and again in the lit one, and
+  // shadows leave the polygon offset to their own passes.
+  EXPECT_EQ(colourCalls(rec, 200, 100, 50), 2u);
   EXPECT_EQ(rec.count("glPolygonOffset"), 0u);
 }
 
-TEST_F(ObjectFrame, ObjectsDrawInTheirOwnColoursAndOutsideObjectsAreCulled) {
+TEST_F(ObjectFrame, ObjectsDrawInTheirColoursAndBackOutsideAndEdgeOnFacesAreSkipped) {
   set().addObject(rectObject(-8, -8, 0, 0, 0, CColor(255, 0, 0, 255)));
   set().addObject(rectObject(0, 0, 8, 8, 0, CColor(0, 255, 0, 255)));
   CRenderObject* outside = rectObject(500, 500, 510, 510, 0, CColor(0, 0, 255, 255));
   set().addObject(outside);
+  // Looking down -z: a face whose normal points away, and one seen edge on.
+  CRenderShape away = rectShape(-8, 0, 0, 8, 0, CColor(255, 255, 0, 255));
+  away.setUcs(AcGeVector3d(0, 0, -1));
+  CRenderObject* turned = objectOf({away});
+  set().addObject(turned);
+  set().addObject(objectOf({wallShape(0, -8, 8, -8, 8, true, CColor(0, 255, 255, 255))}));
   GLRecorder rec(true);
   frame();
   EXPECT_TRUE(near(pixel(16, 48), 255, 0, 0));  // lower left quadrant
   EXPECT_TRUE(near(pixel(48, 16), 0, 255, 0));  // upper right
   EXPECT_TRUE(near(pixel(48, 48), 0, 0, 0));
+  EXPECT_TRUE(near(pixel(16, 16), 0, 0, 0));    // the turned face is culled
   EXPECT_FALSE(outside->renderedFlag1());
-  EXPECT_EQ(countText(rec, "glColor4ub(0, 0, 255, 255)"), 0u);
+  EXPECT_EQ(colourCalls(rec, 0, 0, 255) + colourCalls(rec, 255, 255, 0) + colourCalls(rec, 0, 255, 255), 0u);
+  turned->getShape(0).setUcs(AcGeVector3d(0, 0, 1));
+  frame();
+  EXPECT_TRUE(near(pixel(16, 16), 255, 255, 0));
 }
 
-TEST_F(ObjectFrame, TransparentObjectsAreDrawnLargerFacesFirst) {
-  // A large far face and a small near one: blended back to front the
-  // centre holds both colours; the other way round the far face would fail
-  // the depth test there.
-  set().addObject(rectObject(-4, -4, 4, 4, 2, CColor(255, 0, 0, 255)));
-  set().addObject(rectObject(-8, -8, 8, 8, -2, CColor(0, 0, 255, 255)));
-  scene.setTransparent(128);
-  frame();
-  const std::vector<uint8_t> centre = pixel(32, 32), edge = pixel(8, 8);
-  EXPECT_TRUE(near(centre, 128, 0, 64, 4)) << int(centre[0]) << "," << int(centre[1]) << "," << int(centre[2]);
-  EXPECT_TRUE(near(edge, 0, 0, 128, 4)) << int(edge[0]) << "," << int(edge[1]) << "," << int(edge[2]);
-}
-
-TEST_F(ObjectFrame, PartTransparencyBlendsOnlyTheListedObjects) {
-  const unsigned glass = set().addObject(rectObject(-8, -8, 8, 8, 2, CColor(0, 0, 255, 255)));
-  set().addObject(rectObject(-4, -4, 4, 4, -2, CColor(255, 0, 0, 255)));
-  scene.setTransparent(128);
-  scene.SetPartTrans(true);
-  scene.SetPartTransIds({glass, 999});
-  frame();
-  EXPECT_TRUE(near(pixel(32, 32), 128, 0, 128, 4));  // glass over the opaque red face
-  EXPECT_TRUE(near(pixel(8, 8), 0, 0, 128, 4));
+TEST_F(ObjectFrame, TransparencyBlendsBackToFrontAndPartTransparencyOnlyTheListed) {
+  // A large face and a small one in front of or behind it: drawn larger
+  // first, the centre holds both colours; the other way round the far face
+  // would fail the depth test there.
+  struct Row {
+    const char* name;
+    double bigZ;
+    bool onlyBig;  // part transparency for the big face alone
+    int centre[3], edge[3];
+  };
+  const Row rows[] = {
+      {"all blended, big face behind", -2, false, {128, 0, 64}, {0, 0, 128}},
+      {"only the big face, in front", 2, true, {128, 0, 128}, {0, 0, 128}},
+  };
+  for (const Row& r : rows) {
+    set().clear();
+    const unsigned big = set().addObject(rectObject(-8, -8, 8, 8, r.bigZ, CColor(0, 0, 255, 255)));
+    set().addObject(rectObject(-4, -4, 4, 4, -r.bigZ, CColor(255, 0, 0, 255)));
+    scene.setTransparent(128);
+    scene.SetPartTrans(r.onlyBig);
+    scene.SetPartTransIds({big, 999});
+    frame();
+    const std::vector<uint8_t> c = pixel(32, 32), e = pixel(8, 8);
+    EXPECT_TRUE(near(c, r.centre[0], r.centre[1], r.centre[2], 4)) << r.name << ": " << int(c[0]) << "," << int(c[2]);
+    EXPECT_TRUE(near(e, r.edge[0], r.edge[1], r.edge[2], 4)) << r.name << ": " << int(e[0]) << "," << int(e[2]);
+  }
   // Part transparency with no ids draws everything opaque.
   scene.SetPartTransIds({});
   frame();
@@ -196,8 +193,8 @@ TEST_F(ObjectFrame, ASmallObjectIsOnePointAndNothingWhenNearlyTransparent) {
   set().addObject(rectObject(-0.25, -0.25, 0.25, 0.25, 0, CColor(0, 255, 255, 255)));
   GLRecorder rec(true);
   frame();
-  expectSubsequence(rec, {"glNormal3f(0, 0, 1)", "glPointSize(3)", "glPolygonOffset(0, 0)", "glBegin(0)",
-                          "glColor4ub(0, 255, 255, 255)", "glVertex3d(0, 0, 0)", "glEnd()"});
+  expectSubsequence(rec, {"glPointSize(3)", "glBegin(0)", "glColor4ub(0, 255, 255, 255)", "glVertex3d(0, 0, 0)",
+                          "glEnd()"});
   EXPECT_TRUE(near(pixel(32, 32), 0, 255, 255));
   EXPECT_TRUE(near(pixel(36, 32), 0, 0, 0));
   rec.clear();
@@ -205,29 +202,6 @@ TEST_F(ObjectFrame, ASmallObjectIsOnePointAndNothingWhenNearlyTransparent) {
   frame();
   EXPECT_EQ(rec.count("glVertex3d"), 0u);
   EXPECT_TRUE(near(pixel(32, 32), 0, 0, 0));
-}
-
-TEST_F(ObjectFrame, BackFacesAreCulledAndEdgeOnFacesToo) {
-  // Looking down -z: a face whose normal points away is skipped.
-  CRenderObject* away = new CRenderObject;
-  CRenderShape s;
-  s.set({{-8, -8, 0}, {8, -8, 0}, {8, 8, 0}, {-8, 8, 0}}, {}, CRenderShape::kPgon, CColor(255, 255, 0, 255),
-        AcGeVector3d(0, 0, -1));
-  away->addShape(s);
-  away->endAddShape();
-  set().addObject(away);
-  CRenderObject* edgeOn = new CRenderObject;
-  edgeOn->addShape(wallShape(0, -8, 8, -8, 8, true, CColor(0, 255, 0, 255)));
-  edgeOn->endAddShape();
-  set().addObject(edgeOn);
-  GLRecorder rec(true);
-  frame();
-  EXPECT_EQ(countText(rec, "glColor4ub(255, 255, 0, 255)"), 0u);
-  EXPECT_EQ(countText(rec, "glColor4ub(0, 255, 0, 255)"), 0u);
-  EXPECT_TRUE(near(pixel(20, 20), 0, 0, 0));
-  away->getShape(0).setUcs(AcGeVector3d(0, 0, 1));
-  frame();
-  EXPECT_TRUE(near(pixel(20, 20), 255, 255, 0));
 }
 
 TEST_F(ObjectFrame, LevelOfDetailSwitchesAtItsThresholdsWithSlack) {
@@ -238,29 +212,28 @@ TEST_F(ObjectFrame, LevelOfDetailSwitchesAtItsThresholdsWithSlack) {
   o->getLodShpss(1).push_back(rectShape(-40, -40, 40, 40, 0, CColor(0, 0, 255, 255)));
   o->getLodUnitsPerPixel(0) = 1.0f;
   o->getLodUnitsPerPixel(1) = 4.0f;
-  set().addObject(o);
-  // units per pixel = range / 64 on a 64 px window.
-  scene.setRange(0.5 * 64);
-  frame();
-  EXPECT_TRUE(near(pixel(32, 32), 255, 0, 0));  // 0.5: the full shapes
-  scene.setRange(3.9999 * 64);
-  frame();
-  EXPECT_TRUE(near(pixel(32, 32), 0, 255, 0));  // below 4 by more than the slack: level 0
-  scene.setRange(3.9999999 * 64);
-  frame();
-  EXPECT_TRUE(near(pixel(32, 32), 0, 0, 255));  // within the slack: level 1
-  // From the coarsest view on (equality included) the object is not drawn.
   o->setMaxUnitsPerPixel(5.0);
-  scene.setRange(6.0 * 64);
-  frame();
-  EXPECT_TRUE(near(pixel(32, 32), 0, 0, 0));
+  set().addObject(o);
+  // Units per pixel = range / 64; {units per pixel, colour at the centre}.
+  const std::pair<double, std::array<int, 3>> rows[] = {
+      {0.5, {255, 0, 0}},        // the full shapes
+      {3.9999, {0, 255, 0}},     // below 4 by more than the slack: level 0
+      {3.9999999, {0, 0, 255}},  // within the slack: level 1
+      {6.0, {0, 0, 0}},          // past the coarsest view: not drawn
+  };
+  for (const auto& r : rows) {
+    scene.setRange(r.first * 64);
+    frame();
+    EXPECT_TRUE(near(pixel(32, 32), r.second[0], r.second[1], r.second[2])) << r.first;
+  }
+  // The coarsest view itself is not drawn.
   GLRecorder rec(false);
   double upp = 5.0, ppu = 0.2;
   o->render(true, &upp, &ppu, nullptr);
   EXPECT_TRUE(rec.calls().empty());
   upp = 4.99;
   o->render(true, &upp, &ppu, nullptr);
-  EXPECT_EQ(countText(rec, "glColor4ub(0, 0, 255, 255)"), 1u);
+  EXPECT_EQ(colourCalls(rec, 0, 0, 255), 1u);
 }
 
 TEST_F(ObjectFrame, InstancedShapesAreDrawnOncePerMatrixAndNotWithoutOne) {
@@ -274,19 +247,18 @@ TEST_F(ObjectFrame, InstancedShapesAreDrawnOncePerMatrixAndNotWithoutOne) {
   {
     GLRecorder rec(true);
     frame();
-    EXPECT_EQ(countText(rec, "glColor4ub(255, 0, 0, 255)"), 0u);
-    EXPECT_EQ(countText(rec, "glColor4ub(0, 0, 255, 255)"), 1u);
+    EXPECT_EQ(colourCalls(rec, 255, 0, 0), 0u);
+    EXPECT_EQ(colourCalls(rec, 0, 0, 255), 1u);
   }
-  CSimpleMatrix* a = new CSimpleMatrix;
-  a->setTranslate(-5, 0, 0);
-  CSimpleMatrix* b = new CSimpleMatrix;
-  b->setTranslate(5, 0, 0);
-  o->addSmpMat(a);
-  o->addSmpMat(b);
+  for (float dx : {-5.0f, 5.0f}) {
+    CSimpleMatrix* m = new CSimpleMatrix;
+    m->setTranslate(dx, 0, 0);
+    o->addSmpMat(m);
+  }
   GLRecorder rec(true);
   frame();
-  EXPECT_EQ(countText(rec, "glColor4ub(255, 0, 0, 255)"), 2u);
-  EXPECT_EQ(countText(rec, "glColor4ub(0, 255, 0, 255)"), 2u);
+  EXPECT_EQ(colourCalls(rec, 255, 0, 0), 2u);
+  EXPECT_EQ(colourCalls(rec, 0, 255, 0), 2u);
   EXPECT_EQ(rec.count("glPushMatrix"), rec.count("glPopMatrix"));
   EXPECT_TRUE(near(pixel(32 - 16, 32 + 4), 255, 0, 0));  // left copy
   EXPECT_TRUE(near(pixel(32 + 16, 32 - 3), 0, 255, 0));   // right copy, inner shape
@@ -312,41 +284,32 @@ TEST_F(ObjectFrame, GripsOfAHitObjectAreDrawnAndRecordedInTheScene) {
   const GripPoint* second = scene.gripPts().back();
   EXPECT_EQ(second->obj, o);
   EXPECT_EQ(second->index, 1);
-  EXPECT_EQ(second->pt.x, 48);
-  EXPECT_EQ(second->pt.y, 16);
+  EXPECT_TRUE(second->pt.x == 48 && second->pt.y == 16);
 }
 
 TEST_F(ObjectFrame, XorTrackingAndAcceleratedCullingOfSmallObjects) {
   CRenderObject* o = rectObject(-5, -5, 5, 5);
   o->setTrackerXor(true);
   set().addObject(o);
-  {
-    GLRecorder rec(true);
-    frame();
-    expectSubsequence(rec, {"glEnable(3058)", "glLogicOp(5382)", "glDisable(3058)"});
-  }
   // Accelerating: (10 + 10) units * 64 px / 10 = 128 px is kept; a 9-unit
   // object (115 px) is dropped.
+  set().addObject(rectObject(-4.5, -4.5, 0, 0, 1, CColor(1, 2, 3, 255)));
   scene.setAccelerate(true);
-  CRenderObject* small = rectObject(-4.5, -4.5, 0, 0, 1, CColor(1, 2, 3, 255));
-  set().addObject(small);
   GLRecorder rec(true);
   frame();
+  expectSubsequence(rec, {"glEnable(3058)", "glLogicOp(5382)", "glDisable(3058)"});
   EXPECT_TRUE(o->renderedFlag1());
-  EXPECT_EQ(countText(rec, "glColor4ub(1, 2, 3, 255)"), 0u);
+  EXPECT_EQ(colourCalls(rec, 1, 2, 3), 0u);
 }
 
 TEST_F(ObjectFrame, DeletedObjectsHandTheirDisplayListsToTheScene) {
-  CRenderObject* o = new CRenderObject;
-  o->addShape(faceTriangle());
-  o->endAddShape();
+  CRenderObject* o = objectOf({faceTriangle()});
   const unsigned id = set().addObject(o);
   frame();
   const unsigned list = o->getShape(0).getFaceDisplayList();
   ASSERT_NE(list, 0u);
   set().delObject(id);
-  ASSERT_EQ(scene.removedDispLists().size(), 1u);
-  EXPECT_EQ(scene.removedDispLists()[0], list);
+  EXPECT_EQ(scene.removedDispLists(), std::vector<unsigned>{list});
   GLRecorder rec(true);
   frame();
   EXPECT_EQ(countText(rec, "glDeleteLists(" + std::to_string(list) + ", 1)"), 1u);
@@ -354,24 +317,18 @@ TEST_F(ObjectFrame, DeletedObjectsHandTheirDisplayListsToTheScene) {
 
 TEST_F(ObjectFrame, BadObjectsAndEmptySetsDrawWithoutHarm) {
   frame();  // empty set
-  CRenderObject* nanObj = new CRenderObject;
-  CRenderShape s;
   const double nan = std::nan("");
+  CRenderShape s;
   s.set({{nan, nan, nan}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {}, CRenderShape::kPgon, CColor(), AcGeVector3d(0, 0, 1));
-  nanObj->addShape(s);
-  nanObj->endAddShape();
-  set().addObject(nanObj);
+  set().addObject(objectOf({s}));
   set().addObject(new CRenderObject);
-  CRenderObject* noNormals = new CRenderObject;
-  CRenderShape f;
-  f.setFaceType(false);
+  CRenderShape noNormals;
+  noNormals.setFaceType(false);
   std::vector<AcGePoint3d> v{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
   std::vector<int> tri{0, 1, 2};
-  f.setFaceVertexArray(&v);
-  f.setFaceTriangleIndexArray(&tri);
-  noNormals->addShape(f);
-  noNormals->endAddShape();
-  set().addObject(noNormals);
+  noNormals.setFaceVertexArray(&v);
+  noNormals.setFaceTriangleIndexArray(&tri);
+  set().addObject(objectOf({noNormals}));
   set().delObject(12345);
   frame();
   EXPECT_TRUE(near(pixel(32, 32), 0, 0, 0));

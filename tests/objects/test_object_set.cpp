@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <random>
 
 #include "ObjectHelpers.h"
@@ -11,23 +10,17 @@ TEST(ObjectSetIds, IssuedInOrderNeverReusedAndNullIsRefused) {
   CObjectSetMgr set;
   EXPECT_EQ(set.addObject(nullptr), 0u);
   CRenderObject* a = rectObject(0, 0, 1, 1);
-  EXPECT_EQ(set.addObject(a), 1u);
-  EXPECT_EQ(a->getId(), 1u);
-  EXPECT_EQ(a->getObjSet(), &set);
-  EXPECT_EQ(set.addObject(rectObject(0, 0, 1, 1)), 2u);
-  EXPECT_EQ(set.addObject(rectObject(0, 0, 1, 1)), 3u);
+  for (unsigned id : {1u, 2u, 3u}) EXPECT_EQ(set.addObject(id == 1 ? a : rectObject(0, 0, 1, 1)), id);
+  EXPECT_TRUE(a->getId() == 1u && a->getObjSet() == &set && set.getObj(1) == a);
   set.delObject(2);
   set.delObject(77);  // unknown: nothing happens
   EXPECT_FALSE(set.is_exist(2));
-  EXPECT_EQ(set.getObj(2), nullptr);
-  EXPECT_EQ(set.addObject(rectObject(0, 0, 1, 1)), 4u);
+  EXPECT_EQ(set.addObject(rectObject(0, 0, 1, 1)), 4u);  // 2 is not reused
   EXPECT_EQ(set.numObjs(), 3u);
-  EXPECT_EQ(set.getObj(1), a);
 }
 
 TEST(ObjectSetIds, WrapTriesTwoFirstAndTheTopIdAndZeroAreGivenOut) {
   CObjectSetMgr set;
-  CRenderObject holder;
   // The top id is taken: the counter wraps to 1, then steps to 2.
   Access::objects(set)[0xFFFFFFFFu] = nullptr;
   Access::nextId(set) = 0xFFFFFFFFu;
@@ -71,11 +64,9 @@ TEST(ObjectSetIds, BatchAddKeepsTheMisalignmentOfNullEntries) {
   EXPECT_EQ(ids, (std::vector<unsigned>{1, 0}));
   EXPECT_EQ(set.numObjs(), 2u);
   EXPECT_TRUE(set.is_exist(2));
-  // The batch recomputes the box.
-  AcGePoint3d lo, hi;
+  AcGePoint3d lo, hi;  // the batch recomputes the box
   set.getBox(lo, hi);
-  EXPECT_EQ(lo, AcGePoint3d(0, 0, 0));
-  EXPECT_EQ(hi, AcGePoint3d(6, 6, 0));
+  EXPECT_TRUE(lo == AcGePoint3d(0, 0, 0) && hi == AcGePoint3d(6, 6, 0));
 
   set.addObject({nullptr, rectObject(0, 0, 1, 1), rectObject(0, 0, 1, 1)}, ids);
   EXPECT_EQ(ids, (std::vector<unsigned>{0, 3}));
@@ -83,43 +74,38 @@ TEST(ObjectSetIds, BatchAddKeepsTheMisalignmentOfNullEntries) {
   EXPECT_TRUE(ids.empty());
 }
 
-TEST(ObjectSetBox, SkipsEmptyObjectsAndDerivesTheDepthBand) {
+TEST(ObjectSetBox, SkipsEmptyObjectsRefreshesOnDemandAndDerivesTheDepthBand) {
   CObjectSetMgr set;
   CRenderObject* empty = new CRenderObject;
   empty->endAddShape();
   std::vector<unsigned> ids;
   set.addObject({empty, rectObject(3, 3, 3, 3)}, ids);  // a degenerate box counts as empty
-  AcGePoint3d lo, hi;
-  set.getBox(lo, hi);
-  EXPECT_EQ(lo, AcGePoint3d(-10, -10, -10));
-  EXPECT_EQ(hi, AcGePoint3d(10, 10, 10));
+  auto box = [&set](bool stored) {
+    AcGePoint3d lo, hi;
+    stored ? set.getBox(lo, hi) : set.getBox0(lo, hi);
+    return std::make_pair(lo, hi);
+  };
+  using Box = std::pair<AcGePoint3d, AcGePoint3d>;
+  EXPECT_EQ(box(true), Box({-10, -10, -10}, {10, 10, 10}));
   EXPECT_EQ(set.borderLineZNear(), 0.09995);
-
-  // The single add does not refresh the box; freshBox does.
-  set.addObject(rectObject(-5, 0, 200000, 1, 2));
-  set.getBox(lo, hi);
-  EXPECT_EQ(hi, AcGePoint3d(10, 10, 10));
+  // The single add does not refresh the stored box; getBox0 measures
+  // without storing, freshBox stores.
+  CRenderObject* two = rectObject(-5, 0, 200000, 1, 2);
+  two->addShape(rectShape(0, 0, 1, 1, 2));
+  two->endAddShape();
+  set.addObject(two);
+  EXPECT_EQ(box(false), Box({-5, 0, 2}, {200000, 1, 2}));
+  EXPECT_EQ(box(true), Box({-10, -10, -10}, {10, 10, 10}));
   set.freshBox();
-  set.getBox(lo, hi);
-  EXPECT_EQ(lo, AcGePoint3d(-5, 0, 2));
-  EXPECT_EQ(hi, AcGePoint3d(200000, 1, 2));
+  EXPECT_EQ(box(true), Box({-5, 0, 2}, {200000, 1, 2}));
   EXPECT_EQ(set.borderLineZNear(), 0.1);
   EXPECT_EQ(set.borderLineZFar(), 1.0);
+  EXPECT_EQ(set.numShapes(), 3u);  // the degenerate shape counts, its triangles do not
+  EXPECT_EQ(set.numTriangles(), 4u);
 
   CObjectSetMgr near;
   near.addObject({rectObject(0, 0, 1000, 1)}, ids);
   EXPECT_EQ(near.borderLineZNear(), 0.09995);
-}
-
-TEST(ObjectSetBox, GetBox0MeasuresTheCurrentContentsWithoutStoringThem) {
-  CObjectSetMgr set;
-  set.addObject(rectObject(1, 2, 3, 4, 5));
-  AcGePoint3d lo, hi;
-  set.getBox0(lo, hi);
-  EXPECT_EQ(lo, AcGePoint3d(1, 2, 5));
-  EXPECT_EQ(hi, AcGePoint3d(3, 4, 5));
-  set.getBox(lo, hi);
-  EXPECT_EQ(lo, AcGePoint3d(-10, -10, -10));
 }
 
 TEST(ObjectSetAssistPoints, DuplicatesPerTypeAreIgnoredAndClearingKeepsOrder) {
@@ -139,18 +125,6 @@ TEST(ObjectSetAssistPoints, DuplicatesPerTypeAreIgnoredAndClearingKeepsOrder) {
   set.clearAssistPt(-1);
   set.getAssistPts(pts);
   EXPECT_TRUE(pts.empty());
-}
-
-TEST(ObjectSetCounts, ShapesAndTriangles) {
-  CObjectSetMgr set;
-  CRenderObject* o = new CRenderObject;
-  o->addShape(rectShape(0, 0, 1, 1, 0));
-  o->addShape(rectShape(0, 0, 1, 1, 1));
-  o->endAddShape();
-  set.addObject(o);
-  set.addObject(rectObject(0, 0, 2, 2));
-  EXPECT_EQ(set.numShapes(), 3u);
-  EXPECT_EQ(set.numTriangles(), 6u);
 }
 
 namespace {
@@ -253,7 +227,7 @@ TEST(ObjectSetSearch, FrustumQueryKeepsEveryBoxNotWhollyOutsideAPlane) {
   EXPECT_EQ(idsOf(found), expected);
 }
 
-TEST(ObjectSetSearch, ObjectsWithoutAFiniteBoxAreNeverFoundButCanBeDeleted) {
+TEST(ObjectSetSearch, ObjectsWithNonFiniteShapesAreEmptyAndCanBeDeleted) {
   CObjectSetMgr set;
   CRenderObject* bad = new CRenderObject;
   CRenderShape s;
@@ -264,11 +238,12 @@ TEST(ObjectSetSearch, ObjectsWithoutAFiniteBoxAreNeverFoundButCanBeDeleted) {
   EXPECT_EQ(bad->numShp(), 0u);
   const unsigned id = set.addObject(bad);
   set.addObject(rectObject(0, 0, 1, 1));
-  std::vector<CRenderObject*> found;
-  set.getInRectObjs(AcGePoint2d(-5, -5), AcGePoint2d(5, 5), found);
-  EXPECT_EQ(found.size(), 2u);  // the empty object sits at the origin
+  auto found = [&set] {
+    std::vector<CRenderObject*> v;
+    set.getInRectObjs(AcGePoint2d(-5, -5), AcGePoint2d(5, 5), v);
+    return v.size();
+  };
+  EXPECT_EQ(found(), 2u);  // the empty object sits at the origin
   set.delObject(id);
-  found.clear();
-  set.getInRectObjs(AcGePoint2d(-5, -5), AcGePoint2d(5, 5), found);
-  EXPECT_EQ(found.size(), 1u);
+  EXPECT_EQ(found(), 1u);
 }

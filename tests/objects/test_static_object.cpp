@@ -6,22 +6,19 @@
 #include "scene/SceneFixture.h"
 #include "support/GLRecorder.h"
 
-TEST(StaticObjectCalls, ConstructorReservesOneList) {
-  GLRecorder rec(false);
-  CStaticObject s;
-  ASSERT_EQ(rec.calls().size(), 1u);
-  EXPECT_EQ(rec.calls()[0].text(), "glGenLists(1)");
-  EXPECT_EQ(s.getObjSet(), nullptr);
-  EXPECT_TRUE(s.getVisible());
+namespace {
+std::pair<AcGePoint3d, AcGePoint3d> boxOf(const CStaticObject& s) {
   AcGePoint3d lo(9, 9, 9), hi(9, 9, 9);
   s.getBox(lo, hi);
-  EXPECT_EQ(lo, AcGePoint3d(0, 0, 0));
-  EXPECT_EQ(hi, AcGePoint3d(0, 0, 0));
+  return {lo, hi};
 }
+using Box = std::pair<AcGePoint3d, AcGePoint3d>;
+}  // namespace
 
 TEST(StaticObjectCalls, BeginMapsTheHostNumberingAndIgnoresOthers) {
   GLRecorder rec(false);
   CStaticObject s;
+  // 2 is the strip and 3 the loop: the reverse of GL's own numbers.
   const GLenum expected[] = {GL_POINTS,    GL_LINES,          GL_LINE_STRIP,  GL_LINE_LOOP,
                              GL_TRIANGLES, GL_TRIANGLE_STRIP, GL_TRIANGLE_FAN};
   for (int v = 0; v <= 6; ++v) {
@@ -30,19 +27,14 @@ TEST(StaticObjectCalls, BeginMapsTheHostNumberingAndIgnoresOthers) {
     ASSERT_EQ(rec.calls().size(), 1u) << v;
     EXPECT_EQ(rec.calls()[0].text(), "glBegin(" + std::to_string(expected[v]) + ")") << v;
   }
-  // 2 is the strip and 3 the loop: the reverse of GL's own numbers.
-  EXPECT_EQ(GL_LINE_LOOP, 2);
   rec.clear();
-  s.begin(CRenderSystem::ShapeType(7));
-  s.begin(CRenderSystem::ShapeType(-1));
-  s.begin(CRenderSystem::ShapeType(1000));
+  for (int v : {7, -1, 1000}) s.begin(CRenderSystem::ShapeType(v));
   EXPECT_TRUE(rec.calls().empty());
 }
 
-TEST(StaticObjectCalls, BuildCallsPassTheirValues) {
+TEST(StaticObjectCalls, ConstructionReservesAListAndBuildCallsPassTheirValues) {
   GLRecorder rec(false);
   CStaticObject s;
-  rec.clear();
   s.beginBuild();
   s.begin(CRenderSystem::kTriangles);
   s.normal(0.0f, 0.5f, 1.0f);
@@ -53,40 +45,21 @@ TEST(StaticObjectCalls, BuildCallsPassTheirValues) {
   s.endBuild();
   std::vector<std::string> texts;
   for (const auto& c : rec.calls()) texts.push_back(c.text());
-  EXPECT_EQ(texts, (std::vector<std::string>{"glNewList(0, " + std::to_string(GL_COMPILE) + ")",
+  EXPECT_EQ(texts, (std::vector<std::string>{"glGenLists(1)", "glNewList(0, " + std::to_string(GL_COMPILE) + ")",
                                              "glBegin(4)", "glNormal3f(0, 0.5, 1)", "glColor3ub(1, 2, 3)",
                                              "glTexCoord2d(0.25, 0.75)", "glVertex3d(1.5, 2.5, 3.5)", "glEnd()",
                                              "glEndList()"}));
 }
 
-TEST(StaticObjectBox, FirstPointAfterBuildStartsTheBox) {
-  GLRecorder rec(false);
-  CStaticObject s;
-  s.beginBuild();
-  s.point(1, 5, 0);
-  s.point(-2, 3, 4);
-  AcGePoint3d lo, hi;
-  s.getBox(lo, hi);
-  EXPECT_EQ(lo, AcGePoint3d(-2, 3, 0));
-  EXPECT_EQ(hi, AcGePoint3d(1, 5, 4));
-
-  // A new build starts a new box rather than widening the old one.
-  s.beginBuild();
-  s.point(10, 10, 10);
-  s.point(11, 12, 13);
-  s.getBox(lo, hi);
-  EXPECT_EQ(lo, AcGePoint3d(10, 10, 10));
-  EXPECT_EQ(hi, AcGePoint3d(11, 12, 13));
-}
-
-TEST(StaticObjectBox, PointsOutsideABuildWidenFromTheOrigin) {
+TEST(StaticObjectBox, PointsOutsideABuildWidenFromTheOriginAndEachBuildStartsAfresh) {
   GLRecorder rec(false);
   CStaticObject s;
   s.point(5, -5, 2);
-  AcGePoint3d lo, hi;
-  s.getBox(lo, hi);
-  EXPECT_EQ(lo, AcGePoint3d(0, -5, 0));
-  EXPECT_EQ(hi, AcGePoint3d(5, 0, 2));
+  EXPECT_EQ(boxOf(s), Box({0, -5, 0}, {5, 0, 2}));
+  s.beginBuild();  // the first point replaces the old box rather than widening it
+  s.point(1, 5, 0);
+  s.point(-2, 3, 4);
+  EXPECT_EQ(boxOf(s), Box({-2, 3, 0}, {1, 5, 4}));
 }
 
 TEST(StaticObjectCopy, CopiesShareTheListButNotVisibility) {
@@ -97,33 +70,18 @@ TEST(StaticObjectCopy, CopiesShareTheListButNotVisibility) {
   a.point(4, 5, 6);
   a.setVisible(false);
   a.setObjSet(reinterpret_cast<CObjectSetMgr*>(&rec));  // any pointer: never dereferenced
-
   CStaticObject b(a);
-  EXPECT_EQ(b.getRenderList(), a.getRenderList());
-  EXPECT_EQ(b.getObjSet(), a.getObjSet());
   EXPECT_TRUE(b.getVisible());
-  AcGePoint3d lo, hi;
-  b.getBox(lo, hi);
-  EXPECT_EQ(lo, AcGePoint3d(1, 2, 3));
-  EXPECT_EQ(hi, AcGePoint3d(4, 5, 6));
-  // The copy is not building: its first point widens the copied box.
-  b.point(0, 0, 0);
-  b.getBox(lo, hi);
-  EXPECT_EQ(lo, AcGePoint3d(0, 0, 0));
-  EXPECT_EQ(hi, AcGePoint3d(4, 5, 6));
-
+  b.point(0, 0, 0);  // the copy is not building: its first point widens the copied box
   CStaticObject c;
   c.setVisible(false);
   c = b;
   EXPECT_FALSE(c.getVisible());  // assignment keeps the target's own flag
-  EXPECT_EQ(c.getRenderList(), a.getRenderList());
-  EXPECT_EQ(c.getObjSet(), a.getObjSet());
-  c.getBox(lo, hi);
-  EXPECT_EQ(lo, AcGePoint3d(0, 0, 0));
-  EXPECT_EQ(hi, AcGePoint3d(4, 5, 6));
-  c.setVisible(true);
-  a = c;
-  EXPECT_FALSE(a.getVisible());
+  for (const CStaticObject* s : {&b, &c}) {
+    EXPECT_EQ(s->getRenderList(), a.getRenderList());
+    EXPECT_EQ(s->getObjSet(), a.getObjSet());
+    EXPECT_EQ(boxOf(*s), Box({0, 0, 0}, {4, 5, 6}));
+  }
 }
 
 class StaticObjectFrame : public SceneFixture {
@@ -131,26 +89,18 @@ class StaticObjectFrame : public SceneFixture {
   void SetUp() override { open(32, 32); }
 };
 
-TEST_F(StaticObjectFrame, CompiledListDrawsAndReleaseDeletesIt) {
+TEST_F(StaticObjectFrame, CompiledListDrawsAndReleaseDeletesItOnce) {
   CStaticObject* s = CStaticObject::createStaticObject();
   const unsigned list = s->getRenderList();
   ASSERT_NE(list, 0u);
   s->beginBuild();
   s->color(0, 255, 0);
   s->begin(CRenderSystem::kTriangleStrip);
-  s->point(-1, -1, 0);
-  s->point(1, -1, 0);
-  s->point(-1, 1, 0);
-  s->point(1, 1, 0);
+  for (double x : {-1.0, 1.0}) s->point(x, -1, 0), s->point(x, 1, 0);
   s->end();
   s->endBuild();
-  EXPECT_TRUE(glIsList(list));
-
   glViewport(0, 0, 32, 32);
-  glMatrixMode(GL_PROJECTION);
-  glLoadIdentity();
-  glMatrixMode(GL_MODELVIEW);
-  glLoadIdentity();
+  for (GLenum m : {GL_PROJECTION, GL_MODELVIEW}) glMatrixMode(m), glLoadIdentity();
   glDisable(GL_LIGHTING);
   glDisable(GL_DEPTH_TEST);
   glClearColor(0, 0, 0, 1);
@@ -159,17 +109,12 @@ TEST_F(StaticObjectFrame, CompiledListDrawsAndReleaseDeletesIt) {
   SwapBuffers(scene.getHDC());
   EXPECT_EQ(pixel(16, 16), (std::vector<uint8_t>{0, 255, 0, 255}));
 
-  {
-    GLRecorder rec(true);
-    s->releaseDisplayList();
-    EXPECT_EQ(rec.count("glDeleteLists"), 1u);
-    EXPECT_EQ(s->getRenderList(), 0u);
-    EXPECT_FALSE(glIsList(list));
-    rec.clear();
-    s->releaseDisplayList();  // harmless: nothing left to delete
-    EXPECT_EQ(rec.count("glDeleteLists"), 0u);
-    EXPECT_EQ(s->getRenderList(), 0u);
-  }
+  GLRecorder rec(true);
+  s->releaseDisplayList();
+  s->releaseDisplayList();  // harmless: nothing left to delete
+  EXPECT_EQ(rec.count("glDeleteLists"), 1u);
+  EXPECT_EQ(s->getRenderList(), 0u);
+  EXPECT_FALSE(glIsList(list));
   delete s;
 }
 
