@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "ObjectHelpers.h"
+#include "shapes/PickTestView.h"
 #include "shapes/PickVolume.h"
 
 namespace {
@@ -26,16 +27,8 @@ Down down(const CRenderObject& o, double x, double y, bool flag = true) {
   return d;
 }
 
-// World x, y in -10..10 onto a 200 x 200 viewport: pixel (100 + 10 x, 100 - 10 y).
-CPickVolume::ViewData view() {
-  const double mv[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-  const double pr[16] = {0.1, 0, 0, 0, 0, 0.1, 0, 0, 0, 0, -0.01, 0, 0, 0, 0, 1};
-  const int vp[4] = {0, 0, 200, 200};
-  return CPickVolume::makeViewData(mv, pr, vp);
-}
-CRect px(double x0, double y0, double x1, double y1) {
-  return CRect(int(100 + 10 * x0), int(100 - 10 * y1), int(100 + 10 * x1), int(100 - 10 * y0));
-}
+using picktest::px;
+using picktest::view;
 
 }  // namespace
 

@@ -9,6 +9,7 @@
 
 #include "kxrender/CRenderSysUtils.h"
 #include "shapes/FaceMeshBvh.h"
+#include "shapes/PickTestView.h"
 #include "shapes/PickVolume.h"
 #include "shapes/ShapeTestUtil.h"
 
@@ -215,20 +216,8 @@ TEST(FaceMeshTree, BigMeshAnswersTheRightTriangle) {
   EXPECT_FALSE(down(big, 250, 10, 2, true));
 }
 
-namespace {
-// Orthographic: x, y in -10..10 onto a 200 x 200 viewport, so world (x, y)
-// is pixel (100 + 10 x, 100 - 10 y); depth -100..100.
-CPickVolume::ViewData view() {
-  const double mv[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-  const double pr[16] = {0.1, 0, 0, 0, 0, 0.1, 0, 0, 0, 0, -0.01, 0, 0, 0, 0, 1};
-  const int vp[4] = {0, 0, 200, 200};
-  return CPickVolume::makeViewData(mv, pr, vp);
-}
-// The pixel rectangle of world x0..x1, y0..y1.
-CRect px(double x0, double y0, double x1, double y1) {
-  return CRect(int(100 + 10 * x0), int(100 - 10 * y1), int(100 + 10 * x1), int(100 - 10 * y0));
-}
-}  // namespace
+using picktest::px;
+using picktest::view;
 
 TEST(ShapeRect, CrossingAndInsideByKind) {
   const CRenderShape diagonal = pline({{-8, -8, 0}, {8, 8, 0}});
