@@ -1,6 +1,7 @@
 // The object set's snap search: the snap points, snap curves and grips of
 // the candidate objects as they are drawn, and the index nodes, judged on
 // screen around the cursor.
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -73,7 +74,17 @@ struct Placed {
   AcGePoint3d a, b;
   const AcGeCurve3d* curve;
   AcGePoint3d near;  // its point nearest the pick ray
+  double d2;         // and that point's squared distance from the cursor on screen
+  // Where its part within the aperture can lie: a box, and an interval of
+  // depth along the ray.
+  AcGePoint3d lo, hi;
+  double t0, t1;
 };
+
+bool overlap(const Placed& p, const Placed& q) {
+  return p.lo.x <= q.hi.x && q.lo.x <= p.hi.x && p.lo.y <= q.hi.y && q.lo.y <= p.hi.y && p.lo.z <= q.hi.z &&
+         q.lo.z <= p.hi.z;
+}
 
 class Search {
  public:
@@ -82,6 +93,15 @@ class Search {
       : m_view(view), m_origin(nearPt), m_dir(dir), m_mask(mask), m_tol(tol) {
     m_reach2 = double(aperture) * double(aperture);
     m_ok = view.project(nearPt, m_cx, m_cy);
+    // The aperture in world units, across the ray (an orthographic view
+    // scales alike in every direction).
+    const AcGeVector3d across =
+        (std::fabs(dir.x) < 0.9 ? AcGeVector3d::kXAxis : AcGeVector3d::kYAxis).crossProduct(dir).normal();
+    double x, y;
+    if (m_ok && view.project(nearPt + across, x, y)) {
+      const double perUnit = std::hypot(x - m_cx, y - m_cy);
+      if (perUnit > 0.0) m_reachWorld = aperture / perUnit * 1.001 + CRenderSysUtils::PRECISION;
+    }
   }
   bool ok() const { return m_ok; }
   void setHiddenBeyond(double d) { m_hitDistance = d; }
@@ -93,19 +113,39 @@ class Search {
   bool wants(Kind k) const { return (m_mask & k) != 0; }
 
   // Whether p lies within the aperture on screen.
-  bool inReach(const AcGePoint3d& p) const {
+  // Behind the face the ray meets first.
+  bool hidden(const AcGePoint3d& p) const { return (p - m_origin).dotProduct(m_dir) > m_hitDistance + m_tol; }
+
+  // Whether p lies within the aperture on screen; d2 its squared distance.
+  bool inReach(const AcGePoint3d& p, double& d2) const {
     double x, y;
-    return finite(p) && m_view.project(p, x, y) && (x - m_cx) * (x - m_cx) + (y - m_cy) * (y - m_cy) <= m_reach2;
+    if (!finite(p) || !m_view.project(p, x, y)) return false;
+    d2 = (x - m_cx) * (x - m_cx) + (y - m_cy) * (y - m_cy);
+    return d2 <= m_reach2;
+  }
+
+  // Crossings can win only as near as the best exact point found so far:
+  // the curves farther from the cursor need not be paired (in a dense view
+  // that leaves few). Keeps those in curves, with their spans narrowed
+  // alike, less those wholly out of sight.
+  void keepCrossingCandidates(std::vector<Placed>& curves) {
+    const double limit2 = m_found && m_rank == 0 ? m_d2 : m_reach2;
+    curves.erase(std::remove_if(curves.begin(), curves.end(), [limit2](const Placed& c) { return c.d2 > limit2; }),
+                 curves.end());
+    if (m_reach2 > 0.0) m_spanWorld = m_reachWorld * std::sqrt(limit2 / m_reach2) + CRenderSysUtils::PRECISION;
+    for (Placed& c : curves) span(c);
+    // Parts wholly behind the first face cannot cross where it is seen.
+    const double limit = m_hitDistance + m_tol;
+    curves.erase(std::remove_if(curves.begin(), curves.end(), [limit](const Placed& c) { return c.t0 > limit; }),
+                 curves.end());
   }
 
   void offer(const AcGePoint3d& p, Kind k) {
-    if (!wants(k) || !finite(p)) return;
+    if (!wants(k) || !finite(p) || hidden(p)) return;
     double x, y;
     if (!m_view.project(p, x, y)) return;
     const double d2 = (x - m_cx) * (x - m_cx) + (y - m_cy) * (y - m_cy);
     if (!(d2 <= m_reach2)) return;
-    // Hidden behind the face the ray meets first.
-    if ((p - m_origin).dotProduct(m_dir) > m_hitDistance + m_tol) return;
     const int r = rank(k);
     if (m_found && (r > m_rank || (r == m_rank && (d2 > m_d2 || (d2 == m_d2 && k >= m_kind))))) return;
     m_found = true;
@@ -120,13 +160,16 @@ class Search {
   // intersections).
   bool offerCurve(Placed& c) {
     if (!c.seg) offerCentre(*c.curve);
+    // A segment wholly behind the first face offers nothing and crosses
+    // nothing that can be seen.
+    if (c.seg && hidden(c.a) && hidden(c.b)) return false;
     if (c.seg) {
       c.near = segmentNearRay(c.a, c.b);
     } else {
       AcGePoint3d onRay;
       c.near = c.curve->closestPointTo(AcGeLine3d(m_origin, m_dir), onRay);
     }
-    if (!inReach(c.near)) return false;
+    if (!inReach(c.near, c.d2)) return false;
     offer(c.near, CRenderObject::kSnapNearest);
     if (c.seg) {
       offer(c.a, CRenderObject::kSnapEndPoint);
@@ -153,6 +196,39 @@ class Search {
         CRenderSysUtils::DroopPoint(m_first, c.near, c.curve, foot, CRenderSysUtils::PRECISION))
       offer(foot, CRenderObject::kSnapPerpendicular);
     return true;
+  }
+
+  // Fills the box and depth interval of the curve's part within the
+  // aperture (a segment's part inside the cylinder of the aperture about
+  // the ray; another curve's whole bounding block).
+  void span(Placed& c) const {
+    const double eps = CRenderSysUtils::PRECISION;
+    AcGePoint3d p0, p1;
+    if (c.seg) {
+      const AcGeVector3d d = c.b - c.a, w = c.a - m_origin;
+      const AcGeVector3d dn = d - m_dir * d.dotProduct(m_dir), wn = w - m_dir * w.dotProduct(m_dir);
+      const double qa = dn.dotProduct(dn), qb = wn.dotProduct(dn), qc = wn.dotProduct(wn) - m_spanWorld * m_spanWorld;
+      double s0 = 0.0, s1 = 1.0;
+      const double disc = qb * qb - qa * qc;
+      if (qa > 0.0 && disc >= 0.0 && std::isfinite(disc)) {
+        s0 = std::max(0.0, (-qb - std::sqrt(disc)) / qa);
+        s1 = std::min(1.0, (-qb + std::sqrt(disc)) / qa);
+        if (!(s0 <= s1)) s0 = 0.0, s1 = 1.0;
+      }
+      p0 = c.a + d * s0;
+      p1 = c.a + d * s1;
+    } else {
+      c.curve->boundBlock().getMinMaxPoints(p0, p1);
+    }
+    c.lo.set(std::min(p0.x, p1.x) - eps, std::min(p0.y, p1.y) - eps, std::min(p0.z, p1.z) - eps);
+    c.hi.set(std::max(p0.x, p1.x) + eps, std::max(p0.y, p1.y) + eps, std::max(p0.z, p1.z) + eps);
+    c.t0 = c.t1 = (c.lo - m_origin).dotProduct(m_dir);
+    for (int k = 1; k < 8; ++k) {
+      const AcGePoint3d corner((k & 1) ? c.hi.x : c.lo.x, (k & 2) ? c.hi.y : c.lo.y, (k & 4) ? c.hi.z : c.lo.z);
+      const double t = (corner - m_origin).dotProduct(m_dir);
+      c.t0 = std::min(c.t0, t);
+      c.t1 = std::max(c.t1, t);
+    }
   }
 
   void offerCrossings(const Placed& p, const Placed& q) {
@@ -219,6 +295,8 @@ class Search {
   unsigned long m_mask;
   double m_tol;
   double m_reach2 = 0.0;
+  double m_reachWorld = std::numeric_limits<double>::infinity();
+  double m_spanWorld = std::numeric_limits<double>::infinity();
   double m_cx = 0.0, m_cy = 0.0;
   bool m_ok = false;
   double m_hitDistance = std::numeric_limits<double>::infinity();
@@ -243,7 +321,7 @@ void placeCurves(const CRenderObject& obj, std::vector<Placed>& out, std::vector
         a = *m * a;
         b = *m * b;
       }
-      out.push_back(Placed{true, a, b, nullptr, AcGePoint3d()});
+      out.push_back(Placed{true, a, b, nullptr, AcGePoint3d(), 0.0, AcGePoint3d(), AcGePoint3d(), 0.0, 0.0});
       return;
     }
     if (m) {
@@ -251,7 +329,8 @@ void placeCurves(const CRenderObject& obj, std::vector<Placed>& out, std::vector
       owned.back()->transformBy(*m);
       c = owned.back().get();
     }
-    out.push_back(Placed{false, AcGePoint3d(), AcGePoint3d(), c, AcGePoint3d()});
+    out.push_back(
+        Placed{false, AcGePoint3d(), AcGePoint3d(), c, AcGePoint3d(), 0.0, AcGePoint3d(), AcGePoint3d(), 0.0, 0.0});
   };
   for (const AcGeCurve3d* c : obj.getSnapCurves()) place(c, nullptr);
   if (obj.getSnapCurvesExa().empty()) return;
@@ -319,11 +398,6 @@ bool CObjectSetMgr::snap(const AcGePoint3d& nearPt, const AcGePoint3d& farPt, in
     for (Placed& c : curves)
       if (search.offerCurve(c)) nearCurves.push_back(c);
   }
-  // A crossing within the aperture lies on two curves that both pass there.
-  if (search.wants(CRenderObject::kSnapIntersection))
-    for (size_t i = 0; i < nearCurves.size(); ++i)
-      for (size_t j = i + 1; j < nearCurves.size(); ++j) search.offerCrossings(nearCurves[i], nearCurves[j]);
-
   if (search.wants(CRenderObject::kSnapNode))
     for (const CSnapNode& n : nodes) {
       if (!n.assist) {
@@ -332,5 +406,17 @@ bool CObjectSetMgr::snap(const AcGePoint3d& nearPt, const AcGePoint3d& farPt, in
       }
       search.offer(n.pt, CRenderObject::kSnapNode);
     }
+  // A crossing within the aperture lies on the parts of two curves that
+  // pass there, at one depth along the ray: a sweep over depth meets only
+  // the pairs that may cross (curves of storeys seen one behind the other
+  // never pair up).
+  if (search.wants(CRenderObject::kSnapIntersection)) {
+    search.keepCrossingCandidates(nearCurves);
+    std::sort(nearCurves.begin(), nearCurves.end(), [](const Placed& p, const Placed& q) { return p.t0 < q.t0; });
+    for (size_t i = 0; i < nearCurves.size(); ++i)
+      for (size_t j = i + 1; j < nearCurves.size() && nearCurves[j].t0 <= nearCurves[i].t1; ++j)
+        if (overlap(nearCurves[i], nearCurves[j])) search.offerCrossings(nearCurves[i], nearCurves[j]);
+  }
+
   return search.result(result, kind);
 }
