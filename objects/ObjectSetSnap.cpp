@@ -112,7 +112,6 @@ class Search {
 
   bool wants(Kind k) const { return (m_mask & k) != 0; }
 
-  // Whether p lies within the aperture on screen.
   // Behind the face the ray meets first.
   bool hidden(const AcGePoint3d& p) const { return (p - m_origin).dotProduct(m_dir) > m_hitDistance + m_tol; }
 
