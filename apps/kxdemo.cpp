@@ -3,15 +3,20 @@
 // The model is the reference tower (4 storeys, 3 bays unless --tower says
 // otherwise), or the scene file when one is named. The pixel at the centre
 // of the view (or X,Y) is picked: what it hits is printed and highlighted.
+// Then, with every snap kind on, the cursor is set a few pixels off a wall
+// corner in view; the snap found there is printed and marked with the
+// symbol of its kind.
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <iterator>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <string>
 #include <vector>
 
+#include "kxrender/CRenderSystem.h"
 #include "kxrender/CSceneMgr.h"
 #include "kxrender/KxImage.h"
 #include "kxrender/KxSceneFile.h"
@@ -49,8 +54,8 @@ bool parseTower(int argc, char** argv, int& i, ModelChoice& m) {
 }
 
 void printCounts(const std::string& what, const KxModelCounts& c, double ms) {
-  std::printf("kxdemo: %s: %zu objects, %zu polygons, %zu holes, %zu triangles, %zu vertices (%.0f ms)\n",
-              what.c_str(), c.objects, c.polygons, c.holes, c.triangles, c.vertices, ms);
+  std::printf("kxdemo: %s: %zu objects, %zu polygons, %zu holes, %zu triangles, %zu vertices (%.0f ms)\n", what.c_str(),
+              c.objects, c.polygons, c.holes, c.triangles, c.vertices, ms);
 }
 
 // Shows the selection feedback on the built-in model: the roof
@@ -130,6 +135,117 @@ void pickAndMark(CSceneMgr& scene, CPoint pt) {
               shape, hit.x, hit.y, hit.z);
 }
 
+const char* kindName(CRenderObject::SnapMode k) {
+  switch (k) {
+    case CRenderObject::kSnapEndPoint:
+      return "end point";
+    case CRenderObject::kSnapMidPoint:
+      return "mid point";
+    case CRenderObject::kSnapCenter:
+      return "centre";
+    case CRenderObject::kSnapIntersection:
+      return "intersection";
+    case CRenderObject::kSnapPerpendicular:
+      return "perpendicular";
+    case CRenderObject::kSnapNearest:
+      return "nearest";
+    case CRenderObject::kSnapNode:
+      return "node";
+    case CRenderObject::kSnapGrip:
+      return "grip";
+    default:
+      return "?";
+  }
+}
+
+// Strokes of the marker of a kind, in pixels about the point (y down).
+std::vector<std::vector<CPoint>> markerOf(CRenderObject::SnapMode k) {
+  const int r = 6;
+  switch (k) {
+    case CRenderObject::kSnapEndPoint:
+      return {{{-r, -r}, {r, -r}, {r, r}, {-r, r}, {-r, -r}}};
+    case CRenderObject::kSnapMidPoint:
+      return {{{0, -r}, {r, r}, {-r, r}, {0, -r}}};
+    case CRenderObject::kSnapCenter:
+      return {{{r, 0}, {4, 4}, {0, r}, {-4, 4}, {-r, 0}, {-4, -4}, {0, -r}, {4, -4}, {r, 0}}};
+    case CRenderObject::kSnapIntersection:
+      return {{{-r, -r}, {r, r}}, {{-r, r}, {r, -r}}};
+    case CRenderObject::kSnapPerpendicular:
+      return {{{-r, -r}, {-r, r}, {r, r}}, {{-r, 0}, {0, 0}, {0, r}}};
+    case CRenderObject::kSnapNearest:
+      return {{{-r, -r}, {r, -r}, {-r, r}, {r, r}, {-r, -r}}};
+    case CRenderObject::kSnapNode:
+      return {{{0, -r}, {r, 0}, {0, r}, {-r, 0}, {0, -r}}, {{-r, -r}, {r, r}}, {{-r, r}, {r, -r}}};
+    default:
+      return {{{-r, -r}, {r, -r}, {r, r}, {-r, r}, {-r, -r}}, {{-r, -r}, {r, r}}};
+  }
+}
+
+// A corner of an outer wall panel in view, with the cursor 3 px right of
+// and 2 px below it; false when none is found.
+bool wallCorner(CSceneMgr& scene, CPoint& cursor) {
+  const auto& objects = scene.getObjSetMgr()->objects();
+  int tries = 0;
+  // From the top storey down: its corners are the least hidden.
+  for (auto it = objects.rbegin(); it != objects.rend() && tries < 4000; ++it) {
+    const CRenderObject& o = *it->second;
+    if (o.numShp() == 0 || o.getShape(0).getShpType() != CRenderShape::kPgon) continue;
+    const std::vector<AcGePoint3d>& pts = o.getShape(0).getPts();
+    double zMin = 1e300, zMax = -1e300;
+    for (const AcGePoint3d& p : pts) zMin = std::min(zMin, p.z), zMax = std::max(zMax, p.z);
+    if (zMax - zMin < 1.0) continue;  // not standing: a slab or the roof
+    for (const AcGePoint3d& p : pts) {
+      const CPoint at = scene.world2screen(p);
+      if (at.x < 20 || at.y < 20 || at.x >= scene.getViewWidth() - 20 || at.y >= scene.getViewHeight() - 20) continue;
+      AcGePoint3d found;
+      CRenderObject::SnapMode kind;
+      ++tries;
+      if (scene.snap(CPoint(at.x + 3, at.y + 2), 12, scene.getPickPrecision(), found, kind) &&
+          kind == CRenderObject::kSnapEndPoint && found.isEqualTo(p)) {
+        cursor = CPoint(at.x + 3, at.y + 2);
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
+// Snap data from the outlines, every kind on; the snap near a wall corner
+// is printed. Returns the point and kind to mark.
+bool snapNearWallCorner(CSceneMgr& scene, AcGePoint3d& point, CRenderObject::SnapMode& kind) {
+  for (const auto& kv : scene.getObjSetMgr()->objects()) {
+    kv.second->AutoCountCatchPoint();
+    kv.second->AutoCountCatchLine();
+  }
+  scene.setSnapMode(CRenderObject::kSnapAll);
+  CPoint cursor;
+  if (!wallCorner(scene, cursor) || !scene.snap(cursor, 12, scene.getPickPrecision(), point, kind)) {
+    std::printf("kxdemo: snap: no wall corner in view\n");
+    return false;
+  }
+  std::printf("kxdemo: snap at %ld,%ld: %s (%.3f, %.3f, %.3f)\n", long(cursor.x), long(cursor.y), kindName(kind),
+              point.x, point.y, point.z);
+  return true;
+}
+
+// Draws the marker in the frame, on the eye's side of the model.
+void drawSnapMarker(CSceneMgr& scene, const AcGePoint3d& point, CRenderObject::SnapMode kind) {
+  const CPoint at = scene.world2screen(point);
+  CRenderSystem::createSingleton();
+  CColor yellow(255, 220, 0, 255);
+  for (const std::vector<CPoint>& stroke : markerOf(kind)) {
+    std::vector<AcGePoint3d> pts;
+    for (const CPoint& d : stroke)
+      pts.push_back(scene.screen2world(CPoint(at.x + d.x, at.y + d.y), CSceneMgr::PLANE_NEAR));
+    // Just behind the near plane: in front of everything, never clipped.
+    AcGePoint3d nearPt, farPt;
+    scene.getPointOfIntersectionThatEyeToNearFarFrustumPlane(at, nearPt, farPt);
+    const AcGeVector3d inward = (farPt - nearPt) * 1e-4;
+    for (AcGePoint3d& p : pts) p += inward;
+    CRenderSystem::getSingleton()->drawPLine(pts, 2.0, yellow);
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -149,8 +265,8 @@ int main(int argc, char** argv) {
       }
     } else if (!std::strcmp(argv[i], "--tower")) {
       if (!parseTower(argc, argv, i, model)) {
-        std::fprintf(stderr, "kxdemo: --tower wants M, XL, or STOREYS BAYS (1 to %d, %d to %d)\n",
-                     kTowerMaxStoreys, kTowerMinBays, kTowerMaxBays);
+        std::fprintf(stderr, "kxdemo: --tower wants M, XL, or STOREYS BAYS (1 to %d, %d to %d)\n", kTowerMaxStoreys,
+                     kTowerMinBays, kTowerMaxBays);
         return 2;
       }
     } else if (!std::strcmp(argv[i], "--pick") && i + 1 < argc) {
@@ -185,7 +301,11 @@ int main(int argc, char** argv) {
   if (!loadModel(scene, model)) return 1;
   scene.render();  // the view the pick is made in
   pickAndMark(scene, pickGiven ? pickAt : CPoint(width / 2, height / 2));
+  AcGePoint3d snapPoint;
+  CRenderObject::SnapMode snapKind = CRenderObject::kSnapNone;
+  const bool snapped = snapNearWallCorner(scene, snapPoint, snapKind);
   scene.render();
+  if (snapped) drawSnapMarker(scene, snapPoint, snapKind);
   scene.draw3dOrbit();
   scene.finish();
 

@@ -19,6 +19,8 @@ class BenchTable {
   static constexpr const char* kRectPick = "rectangle pick candidates (1/10 screen)";
   static constexpr const char* kPointPickFull = "point pick (200 pixels), median";
   static constexpr const char* kPointPickWorst = "point pick (200 pixels), worst (CPU)";
+  static constexpr const char* kSnapFull = "snap, every kind (200 pixels), median";
+  static constexpr const char* kSnapWorst = "snap, every kind (200 pixels), worst (CPU)";
   static constexpr const char* kRectWindow = "rectangle selection, window (1/10)";
   static constexpr const char* kRectCrossing = "rectangle selection, crossing (1/10)";
   static constexpr const char* kLimitArray = "limit: one vertex array";

@@ -191,6 +191,41 @@ void registerSize(const std::string& size, int storeys, int bays) {
     benchmark::DoNotOptimize(id);
     if (i == 199 && g_table) g_table->setTime(size, BenchTable::kPointPickWorst, worst);
   });
+  reg(BenchTable::kSnapFull, 200, [size](benchmark::State& state) {
+    // Every kind on at each of the 200 pixels, with snap data derived from
+    // the outlines (outside the timing), the pick aperture and the pick
+    // tolerance.
+    static int next = 0;
+    static double worst = 0.0;
+    CSceneMgr& scene = *g_model->scene;
+    const int i = next++ % 200;
+    if (i == 0) {
+      worst = 0.0;
+      for (const auto& kv : scene.getObjSetMgr()->objects()) {
+        if (!kv.second->getSnapPoints().empty() || !kv.second->getSnapPointsExa().empty()) continue;
+        kv.second->AutoCountCatchPoint();
+        kv.second->AutoCountCatchLine();
+      }
+      scene.setSnapMode(CRenderObject::kSnapAll);
+      // The snap index is built at its first query after so many changes:
+      // one untimed pass.
+      AcGePoint3d p;
+      CRenderObject::SnapMode kind;
+      for (int j = 0; j < 200; ++j)
+        scene.snap(pickPixel(j), scene.getPickPixelPrecision(), scene.getPickPrecision(), p, kind);
+    }
+    AcGePoint3d p;
+    CRenderObject::SnapMode kind = CRenderObject::kSnapNone;
+    for (auto _ : state) {
+      const double cpu0 = threadCpuMs();
+      const Clock::time_point t0 = Clock::now();
+      scene.snap(pickPixel(i), scene.getPickPixelPrecision(), scene.getPickPrecision(), p, kind);
+      state.SetIterationTime(msSince(t0) / 1000.0);
+      worst = std::max(worst, threadCpuMs() - cpu0);
+    }
+    benchmark::DoNotOptimize(kind);
+    if (i == 199 && g_table) g_table->setTime(size, BenchTable::kSnapWorst, worst);
+  });
   for (const bool window : {true, false}) {
     reg(window ? BenchTable::kRectWindow : BenchTable::kRectCrossing, 30, [window](benchmark::State& state) {
       CPoint p1, p2;

@@ -7,6 +7,7 @@
 
 #include "kxrender/AcGeBoundBlock3d.h"
 #include "kxrender/CSceneMgr.h"
+#include "objects/BjSnap.h"
 #include "objects/ObjectSearchTree.h"
 #include "support/GLTable.h"
 
@@ -22,9 +23,11 @@ bool boxTooSmall(const AcGePoint3d& lo, const AcGePoint3d& hi) { return !((hi - 
 
 }  // namespace
 
-CObjectSetMgr::CObjectSetMgr() : m_searchTree(new CObjectSearchTree) {}
+CObjectSetMgr::CObjectSetMgr() : m_searchTree(new CObjectSearchTree), m_snapIndex(new CBjSnap) {}
 
-CObjectSetMgr::CObjectSetMgr(const CObjectSetMgr& o) : m_searchTree(new CObjectSearchTree) { *this = o; }
+CObjectSetMgr::CObjectSetMgr(const CObjectSetMgr& o) : m_searchTree(new CObjectSearchTree), m_snapIndex(new CBjSnap) {
+  *this = o;
+}
 
 CObjectSetMgr& CObjectSetMgr::operator=(const CObjectSetMgr& o) {
   if (this == &o) return *this;
@@ -57,6 +60,7 @@ CObjectSetMgr& CObjectSetMgr::operator=(const CObjectSetMgr& o) {
   m_zNear = o.m_zNear;
   m_zFar = o.m_zFar;
   createSearchTree();
+  m_snapIndex->markAll();
   return *this;
 }
 
@@ -64,6 +68,7 @@ CObjectSetMgr::~CObjectSetMgr() { clear(); }
 
 void CObjectSetMgr::clear() {
   m_searchTree->clear();
+  m_snapIndex->clear();
   for (auto& kv : m_objects) delete kv.second;
   for (CStaticObject* s : m_staticObjects) delete s;
   m_objects.clear();
@@ -85,6 +90,7 @@ unsigned CObjectSetMgr::addObject(CRenderObject* obj) {
       obj->setObjSet(this);
       obj->setId(m_nextId);
       m_searchTree->insert(obj);
+      m_snapIndex->markDirty(m_nextId);
       return m_nextId++;
     }
     // After a wrap the first id tried is 2: the counter is set to 1 and
@@ -118,6 +124,7 @@ void CObjectSetMgr::delObject(unsigned id) {
   m_searchTree->remove(it->second);
   delete it->second;
   m_objects.erase(it);
+  m_snapIndex->markDirty(id);
 }
 
 void CObjectSetMgr::delObject(const std::vector<unsigned>& ids) {
@@ -218,9 +225,11 @@ void CObjectSetMgr::pushAssistPt(const AcGePoint3d& pt, int type) {
   for (const auto& e : m_assistPts)
     if (e.first == type && e.second.isEqualTo(pt)) return;
   m_assistPts.emplace_back(type, pt);
+  m_snapIndex->markAssistDirty();
 }
 
 void CObjectSetMgr::clearAssistPt(int type) {
+  m_snapIndex->markAssistDirty();
   if (type < 0) {
     m_assistPts.clear();
     return;
@@ -251,7 +260,17 @@ void CObjectSetMgr::createSearchTree() {
     if (kv.second) m_searchTree->insert(kv.second);
 }
 
-void CObjectSetMgr::updateSearchTree(CRenderObject* obj) { m_searchTree->update(obj); }
+void CObjectSetMgr::updateSearchTree(CRenderObject* obj) {
+  m_searchTree->update(obj);
+  if (obj) m_snapIndex->markDirty(obj->getId());
+}
+
+void CObjectSetMgr::snapDataChanged(unsigned id) { m_snapIndex->markDirty(id); }
+
+void CObjectSetMgr::getSnapNodes(const AcGePoint2d& p1, const AcGePoint2d& p2, std::vector<CSnapNode>& out) {
+  m_snapIndex->refresh(*this);
+  m_snapIndex->query(p1.x, p1.y, p2.x, p2.y, out);
+}
 
 void CObjectSetMgr::getInRectObjs(const AcGePoint2d& p1, const AcGePoint2d& p2,
                                   std::vector<CRenderObject*>& out) const {

@@ -58,6 +58,7 @@ void CRenderObject::copyFrom(const CRenderObject& o) {
   m_snapPoints = o.m_snapPoints;
   m_snapPointsExa = o.m_snapPointsExa;
   copySanpCurves(o);
+  snapChanged();
   m_snapExaCenter = o.m_snapExaCenter;
   m_snapExaRadius = o.m_snapExaRadius;
   m_faceSnap = o.m_faceSnap;

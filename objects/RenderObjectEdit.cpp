@@ -27,6 +27,11 @@ void copyCurves(const std::vector<AcGeCurve3d*>& from, std::vector<AcGeCurve3d*>
 void CRenderObject::clearSmpMat() {
   for (CSimpleMatrix* m : m_smpMats) delete m;
   m_smpMats.clear();
+  snapChanged();
+}
+
+void CRenderObject::snapChanged() {
+  if (m_inSet && m_objSet) m_objSet->snapDataChanged(m_id);
 }
 
 void CRenderObject::clearSnapCurves() {
@@ -133,6 +138,7 @@ void CRenderObject::AutoCountCatchPoint() {
     to.insert(to.end(), s.getPts().begin(), s.getPts().end());
     for (const std::vector<AcGePoint3d>& hole : s.getHoles()) to.insert(to.end(), hole.begin(), hole.end());
   }
+  snapChanged();
 }
 
 void CRenderObject::AutoCountCatchLine() {

@@ -16,6 +16,8 @@
 
 class CSceneMgr;
 class CObjectSearchTree;
+class CBjSnap;
+struct CSnapNode;
 
 class KXRENDER_API CObjectSetMgr {
  public:
@@ -82,6 +84,25 @@ class KXRENDER_API CObjectSetMgr {
   void getInRectObjs(const AcGePoint2d& p1, const AcGePoint2d& p2, std::vector<CRenderObject*>& out) const;
   // Refreshes one object's entry after it moved.
   void updateSearchTree(CRenderObject* obj);
+  // ---- snapping ----
+  // Snap nodes (snap points, exact ones under each instance matrix, assist
+  // points) whose XY position lies in the rectangle p1-p2; appended to out.
+  void getSnapNodes(const AcGePoint2d& p1, const AcGePoint2d& p2, std::vector<CSnapNode>& out);
+  // The object's snap nodes changed (or the object went): the index reads
+  // it again before its next query.
+  void snapDataChanged(unsigned id);
+  // The snap point near the pick ray nearPt-farPt (through the cursor):
+  // candidates are the snap data and grips of the objects ids and the
+  // nodes, kinds as allowed by mask (CRenderObject::SnapMode bits). A point
+  // counts when it lies within aperture pixels of the cursor on screen and
+  // no face the ray meets first lies nearer along the ray by more than
+  // tolerance (world units). True with the point and its kind; false,
+  // outputs untouched, when nothing snaps, the mask is 0, the aperture not
+  // positive, the ray not finite or the set has no scene.
+  bool snap(const AcGePoint3d& nearPt, const AcGePoint3d& farPt, int aperture, double tolerance, unsigned long mask,
+            const std::vector<unsigned>& ids, const std::vector<CSnapNode>& nodes, AcGePoint3d& result,
+            CRenderObject::SnapMode& kind) const;
+
   // Objects that may be seen through the five frustum planes (a, b, c, d
   // each, normals inwards); the scene's own planes when planes is null.
   void getObjsInFrustum(std::vector<CRenderObject*>& out, const std::vector<std::vector<double>>* planes = nullptr) const;
@@ -118,6 +139,7 @@ class KXRENDER_API CObjectSetMgr {
   double m_zNear = 0.09995;
   double m_zFar = 1.0;
   std::unique_ptr<CObjectSearchTree> m_searchTree;
+  std::unique_ptr<CBjSnap> m_snapIndex;
   std::vector<const CRenderShape*> m_outlineShapes;
   std::vector<CRenderObject*> m_frameObjects;  // kept between frames: no per-frame allocation
   std::vector<CRenderObject*> m_transparentObjects;

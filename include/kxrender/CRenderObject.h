@@ -27,8 +27,33 @@ class KXRENDER_API CRenderObject {
   // Passed unchanged to every shape's drawing: 0 draws wire frames, 2 and 4
   // shaded faces; the default everywhere is 2.
   enum RenderMode : int32_t {};
-  // Kind of snap point found; a mask of these is a scene's snap mode.
-  enum SnapMode : uint32_t {};
+  // Kind of snap point found; one bit each, so that an or of them is a
+  // scene's snap mode (0: snapping off).
+  //   kSnapEndPoint      start and end of a snap curve
+  //   kSnapMidPoint      middle of a snap curve (middle parameter)
+  //   kSnapCenter        centre of an arc or circle snap curve
+  //   kSnapIntersection  crossing of two snap curves, of one object or two
+  //   kSnapPerpendicular foot of the perpendicular from the scene's first
+  //                      point (setSnapFirstPt) onto a snap curve
+  //   kSnapNearest       point of a snap curve nearest the cursor
+  //   kSnapNode          a snap point, or an assist point of the set
+  //   kSnapGrip          a grip point
+  // When several lie within the aperture, end points, intersections, nodes
+  // and grips come first, then mid points and centres, then perpendicular
+  // feet, then nearest points; within one rank the point nearest the
+  // cursor on screen, and on a tie the lower bit.
+  enum SnapMode : uint32_t {
+    kSnapNone = 0,
+    kSnapEndPoint = 0x01,
+    kSnapMidPoint = 0x02,
+    kSnapCenter = 0x04,
+    kSnapIntersection = 0x08,
+    kSnapPerpendicular = 0x10,
+    kSnapNearest = 0x20,
+    kSnapNode = 0x40,
+    kSnapGrip = 0x80,
+    kSnapAll = 0xFF
+  };
 
   CRenderObject() = default;
   // A copy has every field of the source (shapes without display lists,
@@ -168,16 +193,28 @@ class KXRENDER_API CRenderObject {
   void move(const AcGeVector3d& v);
   void rotate(const AcGePoint3d& centre, double angle);
   void mirror(const AcGeLine3d& line);
-  void addSmpMat(CSimpleMatrix* m) { m_smpMats.push_back(m); }
+  void addSmpMat(CSimpleMatrix* m) {
+    m_smpMats.push_back(m);
+    snapChanged();
+  }
   const std::vector<CSimpleMatrix*>& getSmpMat() const { return m_smpMats; }
   void clearSmpMat();
 
   // ---- snap data ----
-  void setSnapPoints(const std::vector<AcGePoint3d>& p) { m_snapPoints = p; }
+  // Changing snap points or instance matrices of an object in a set keeps
+  // the set's snap index true; curves reached through the getters and
+  // changed in place are not seen by it.
+  void setSnapPoints(const std::vector<AcGePoint3d>& p) {
+    m_snapPoints = p;
+    snapChanged();
+  }
   const std::vector<AcGePoint3d>& getSnapPoints() const { return m_snapPoints; }
   void setSnapCurves(const std::vector<AcGeCurve3d*>& c) { m_snapCurves = c; }
   const std::vector<AcGeCurve3d*>& getSnapCurves() const { return m_snapCurves; }
-  void setSnapPointsExa(const std::vector<AcGePoint3d>& p) { m_snapPointsExa = p; }
+  void setSnapPointsExa(const std::vector<AcGePoint3d>& p) {
+    m_snapPointsExa = p;
+    snapChanged();
+  }
   const std::vector<AcGePoint3d>& getSnapPointsExa() const { return m_snapPointsExa; }
   void setSnapCurvesExa(const std::vector<AcGeCurve3d*>& c) { m_snapCurvesExa = c; }
   const std::vector<AcGeCurve3d*>& getSnapCurvesExa() const { return m_snapCurvesExa; }
@@ -200,6 +237,8 @@ class KXRENDER_API CRenderObject {
   // Hands the display lists of shapes about to be dropped to the scene.
   void releaseShapeLists(std::vector<CRenderShape>::iterator first, std::vector<CRenderShape>::iterator last);
   void updateSnapExaSphere();
+  // Tells the set that this object's snap nodes changed.
+  void snapChanged();
   void drawShape(CRenderShape& s, bool cullBackFaces, const double* pixelsPerUnit,
                  const AcGeVector3d* viewDirection, bool isLod);
 

@@ -101,6 +101,14 @@ class KXRENDER_API CSceneMgr {
   bool pick(CPoint const& p1, CPoint const& p2, std::vector<unsigned int>& ids);
   // Flag one shape of one object; an unknown id or a shape index past the
   // object's shapes changes nothing.
+  // The snap point near the window pixel pt: the kinds of getSnapMode()
+  // within aperture pixels of pt, among the objects crossing the aperture
+  // and the set's snap nodes around pt; points behind a face that the pick
+  // ray meets first by more than tolerance (world units) do not count. True
+  // with the world point and its kind. False, outputs untouched, with
+  // snapping off, aperture <= 0, pt outside the viewport, a view that
+  // cannot be inverted, or nothing in reach.
+  bool snap(CPoint pt, int aperture, double tolerance, AcGePoint3d& result, CRenderObject::SnapMode& kind);
   void setHit(unsigned int objId, unsigned int shapeIndex, bool on);
   void setHighLight(unsigned int objId, unsigned int shapeIndex, bool on);
 
@@ -162,6 +170,11 @@ class KXRENDER_API CSceneMgr {
   void setSnapFirstPt(bool b, const AcGePoint3d& p) {
     m_bSnapFirstPt = b;
     m_snapFirstPt = p;
+  }
+  // The first point of the host's current command; false when none is set.
+  bool getSnapFirstPt(AcGePoint3d& p) const {
+    p = m_snapFirstPt;
+    return m_bSnapFirstPt;
   }
   int getPickPixelPrecision() const { return m_pickPixelPrecision; }
   void setPickPixelPrecision(int p) { m_pickPixelPrecision = p; }
