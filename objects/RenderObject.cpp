@@ -41,8 +41,7 @@ CRenderObject& CRenderObject::operator=(const CRenderObject& o) {
 void CRenderObject::copyFrom(const CRenderObject& o) {
   // Shapes replaced or dropped by the assignment would take their compiled
   // lists with them: hand those to the scene first.
-  releaseShapeLists(m_shapes.begin(), m_shapes.end());
-  for (std::vector<CRenderShape>& level : m_lodShps) releaseShapeLists(level.begin(), level.end());
+  releaseAllShapeLists();
   m_shapes = o.m_shapes;
   // An object in a set keeps its place there; a fresh copy takes the source's.
   if (!m_inSet) {
@@ -81,8 +80,7 @@ void CRenderObject::copyFrom(const CRenderObject& o) {
 }
 
 CRenderObject::~CRenderObject() {
-  releaseShapeLists(m_shapes.begin(), m_shapes.end());
-  for (std::vector<CRenderShape>& level : m_lodShps) releaseShapeLists(level.begin(), level.end());
+  releaseAllShapeLists();
   clearSnapCurves();
   clearSmpMat();
 }
@@ -96,6 +94,11 @@ void CRenderObject::releaseShapeLists(std::vector<CRenderShape>::iterator first,
     if (scene && first->getFaceDisplayList()) scene->addRemovedDispList(first->getFaceDisplayList());
     first->reValueDispList();
   }
+}
+
+void CRenderObject::releaseAllShapeLists() {
+  releaseShapeLists(m_shapes.begin(), m_shapes.end());
+  for (std::vector<CRenderShape>& level : m_lodShps) releaseShapeLists(level.begin(), level.end());
 }
 
 void CRenderObject::clearShape() {

@@ -236,6 +236,7 @@ class KXRENDER_API CRenderObject {
   void copyFrom(const CRenderObject& o);
   // Hands the display lists of shapes about to be dropped to the scene.
   void releaseShapeLists(std::vector<CRenderShape>::iterator first, std::vector<CRenderShape>::iterator last);
+  void releaseAllShapeLists();  // every level's too
   void updateSnapExaSphere();
   // Tells the set that this object's snap nodes changed.
   void snapChanged();
