@@ -2,9 +2,8 @@
 // conversions and text helpers.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
-#include <limits>
-#include <random>
 
 #include "kxrender/AcGeCircArc3d.h"
 #include "kxrender/AcGeEllipArc3d.h"
@@ -83,6 +82,12 @@ TEST(RenderSysUtilsTest, AreasAndOrientation) {
     EXPECT_NEAR(U::getPolygonArea(pts), area, 1e-15) << pts.size() << clockwise;
     EXPECT_EQ(U::polyClockWise(pts), clockwise) << pts.size() << area;
   }
+  // calPolyArea measures in the polygon's own plane, far from the origin too.
+  std::vector<P> wall = {P(0, 0, 0), P(2, 0, 0), P(2, 0, 3), P(0, 0, 3)};
+  EXPECT_NEAR(U::calPolyArea(wall), 6.0, 1e-14);
+  for (P& p : wall) p.transformBy(AcGeMatrix3d::rotation(0.7, AcGeVector3d(1, 2, 3), P(1e6, -1e6, 5e5)));
+  EXPECT_NEAR(U::calPolyArea(wall), 6.0, 1e-6);
+  EXPECT_EQ(U::calPolyArea({P(), P(1, 0, 0)}), 0.0);
 }
 
 TEST(RenderSysUtilsTest, CvtClockReversesOnlyTheOrder) {
@@ -102,18 +107,7 @@ TEST(RenderSysUtilsTest, CvtClockReversesOnlyTheOrder) {
   }
 }
 
-TEST(RenderSysUtilsTest, CalPolyAreaInOwnPlane) {
-  std::vector<AcGePoint3d> wall = {AcGePoint3d(0, 0, 0), AcGePoint3d(2, 0, 0), AcGePoint3d(2, 0, 3),
-                                   AcGePoint3d(0, 0, 3)};
-  EXPECT_NEAR(U::calPolyArea(wall), 6.0, 1e-14);
-  AcGeMatrix3d m = AcGeMatrix3d::rotation(0.7, AcGeVector3d(1, 2, 3), AcGePoint3d(1e6, -1e6, 5e5));
-  for (AcGePoint3d& p : wall) p.transformBy(m);
-  EXPECT_NEAR(U::calPolyArea(wall), 6.0, 1e-6);
-  EXPECT_EQ(U::calPolyArea({AcGePoint3d(), AcGePoint3d(1, 0, 0)}), 0.0);
-}
-
 TEST(RenderSysUtilsTest, PointAndPolylineAgainstSegment) {
-  using P = AcGePoint3d;
   AcGePoint3d out;
   EXPECT_TRUE(U::ptIntersectWithLine(P(1, 0.0009, 0), P(0, 0, 0), P(2, 0, 0), out, 0.001));
   EXPECT_TRUE(out.isEqualTo(P(1, 0.0009, 0)));
@@ -131,7 +125,6 @@ TEST(RenderSysUtilsTest, PointAndPolylineAgainstSegment) {
 }
 
 TEST(RenderSysUtilsTest, RayAgainstSegmentAndTriangle) {
-  using P = AcGePoint3d;
   using V = AcGeVector3d;
   AcGePoint3d out;
   auto seg = [&out](V dir, P a, P b) { return U::rayIntersectWithSeg(P(0, 0, 0), dir, a, b, out, 1e-6); };
@@ -155,7 +148,6 @@ TEST(RenderSysUtilsTest, RayAgainstSegmentAndTriangle) {
 }
 
 TEST(RenderSysUtilsTest, RayAgainstBoxWithMargin) {
-  using P = AcGePoint3d;
   using V = AcGeVector3d;
   AcGePoint3d hit;
   double dist = -1, noMargin = 0.0, wide = 10.0;
@@ -195,7 +187,6 @@ TEST(RenderSysUtilsTest, ArcAndCurveIntersections) {
 }
 
 TEST(RenderSysUtilsTest, PtInAreaAndFace) {
-  using P = AcGePoint3d;
   const std::vector<P> sq = square(true, true);
   EXPECT_TRUE(U::PtInArea(P(0.5, 0.5, 3), sq, 1e-6, false));
   EXPECT_FALSE(U::PtInArea(P(1.5, 0.5, 0), sq, 1e-6, true));

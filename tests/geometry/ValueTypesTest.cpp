@@ -97,22 +97,9 @@ TEST(AcGeVector3dTest, CrossAnglesAndDirections) {
   EXPECT_TRUE(AcGeVector3d(1, 1, 0).isParallelTo(AcGeVector3d(-5, -5, 0)));
   EXPECT_TRUE(AcGeVector3d(1, 0, 0).isEqualTo(AcGeVector3d(1 + 1e-13, 0, 0)));
   EXPECT_FALSE(AcGeVector3d(1, 0, 0).isEqualTo(AcGeVector3d(1 + 1e-11, 0, 0)));
-}
-
-TEST(AcGeVector3dTest, RotateByRightHandRule) {
-  AcGeVector3d v = AcGeVector3d::kXAxis;
-  v.rotateBy(M_PI / 2, AcGeVector3d::kZAxis);
-  expectNear(v, AcGeVector3d::kYAxis, 1e-15);
-  v.rotateBy(M_PI / 2, AcGeVector3d::kXAxis);
-  expectNear(v, AcGeVector3d::kZAxis, 1e-15);
-  v.rotateBy(1.0, AcGeVector3d());  // zero axis: unchanged
-  expectNear(v, AcGeVector3d::kZAxis, 1e-15);
-}
-
-TEST(AcGeVector2dTest, AngleRanges) {
-  EXPECT_NEAR(AcGeVector2d(0, -1).angle(), 1.5 * M_PI, 1e-15);
-  EXPECT_NEAR(AcGeVector2d(-1, 0).angle(), M_PI, 1e-15);
-  EXPECT_EQ(AcGeVector2d(1, -0.0).angle(), 0.0);
+  AcGeVector3d v = AcGeVector3d::kXAxis;  // right-hand rule; a zero axis leaves it alone
+  expectNear(v.rotateBy(M_PI / 2, AcGeVector3d::kZAxis).rotateBy(1.0, AcGeVector3d()), AcGeVector3d::kYAxis, 1e-15);
+  EXPECT_EQ(AcGeVector2d(1, -0.0).angle(), 0.0);  // not 2 pi
   EXPECT_NEAR(AcGeVector2d(1, 0).angleTo(AcGeVector2d(0, -1)), M_PI / 2, 1e-15);
 }
 
@@ -164,71 +151,39 @@ TEST(AcGeMatrix3dTest, SingularInverseIsRefused) {
   EXPECT_TRUE(bad.isSingular());
 }
 
-TEST(AcGeMatrix3dTest, RandomRotationsKeepLengthsAndInvert) {
+TEST(AcGeMatrix3dTest, RandomFramesRotationsAndInverses) {
   std::mt19937 rng(12345);
-  std::uniform_real_distribution<double> ang(-10.0, 10.0);
   for (int i = 0; i < 200; ++i) {
-    AcGeVector3d axis = randomVector(rng, 1.0);
-    AcGePoint3d center = AcGePoint3d::kOrigin + randomVector(rng, 100.0);
-    AcGeMatrix3d m = AcGeMatrix3d::rotation(ang(rng), axis, center);
-    AcGePoint3d a = AcGePoint3d::kOrigin + randomVector(rng, 100.0);
-    AcGePoint3d b = AcGePoint3d::kOrigin + randomVector(rng, 100.0);
-    double before = a.distanceTo(b);
-    EXPECT_NEAR((m * a).distanceTo(m * b), before, 1e-12 * (1.0 + before));
+    const AcGePoint3d o = AcGePoint3d::kOrigin + randomVector(rng, 100.0), a = o + randomVector(rng, 100.0);
+    const AcGePoint3d b = AcGePoint3d::kOrigin + randomVector(rng, 100.0);
+    const AcGeVector3d x = randomVector(rng, 1.0), y = randomVector(rng, 1.0);
+    // A rotation keeps lengths and turns no space inside out.
+    const AcGeMatrix3d m = AcGeMatrix3d::rotation(std::uniform_real_distribution<double>(-10, 10)(rng), x, o);
+    EXPECT_NEAR((m * a).distanceTo(m * b), a.distanceTo(b), 1e-12 * (1.0 + a.distanceTo(b)));
     EXPECT_NEAR(m.det(), 1.0, 1e-12);
-
     // A general affine matrix times its inverse is the identity.
-    AcGeMatrix3d g;
+    AcGeMatrix3d g, inv;
     for (int r = 0; r < 3; ++r)
       for (int c = 0; c < 4; ++c) g.entry[r][c] = std::uniform_real_distribution<double>(-5, 5)(rng);
-    AcGeMatrix3d inv;
     ASSERT_TRUE(g.inverse(inv));
-    AcGeMatrix3d prod = inv * g;
-    for (int r = 0; r < 4; ++r)
-      for (int c = 0; c < 4; ++c) EXPECT_NEAR(prod.entry[r][c], r == c ? 1.0 : 0.0, 1e-9);
+    EXPECT_TRUE((inv * g).isEqualTo(AcGeMatrix3d::kIdentity, AcGeTol(1e-9, 1e-9)));
+    // A plane's origin goes to the world origin, its normal to +z, its points to z = 0.
+    const AcGePlane plane(o, x);
+    const AcGeMatrix3d w2p = AcGeMatrix3d::worldToPlane(plane);
+    expectNear(AcGeMatrix3d::planeToWorld(plane) * (w2p * a), a, 1e-9);
+    expectNear(w2p * o, AcGePoint3d::kOrigin, 1e-9);
+    expectNear(AcGeVector3d(plane.normal()).transformBy(w2p), AcGeVector3d::kZAxis, 1e-12);
+    EXPECT_NEAR((w2p * (o + x.perpVector() * 10.0)).z, 0.0, 1e-9);
+    // Aligning frames maps origin and axes, a left-handed target included.
+    const AcGeVector3d tx = randomVector(rng, 2.0), ty = randomVector(rng, 2.0), tz = ty.crossProduct(tx);
+    const AcGeMatrix3d f = AcGeMatrix3d::alignCoordSys(o, x, y, x.crossProduct(y), b, tx, ty, tz);
+    expectNear(f * o, b, 1e-9);
+    expectNear(f * (o + x), b + tx, 1e-8);
+    expectNear(f * (o + y), b + ty, 1e-8);
+    expectNear(f * (o + x.crossProduct(y)), b + tz, 1e-8);
   }
-}
-
-TEST(AcGeMatrix3dTest, WorldToPlaneRoundTrip) {
-  std::mt19937 rng(777);
-  for (int i = 0; i < 200; ++i) {
-    AcGePoint3d origin = AcGePoint3d::kOrigin + randomVector(rng, 1000.0);
-    AcGeVector3d normal = randomVector(rng, 1.0);
-    AcGePlane plane(origin, normal);
-    AcGeMatrix3d w2p = AcGeMatrix3d::worldToPlane(plane);
-    AcGeMatrix3d p2w = AcGeMatrix3d::planeToWorld(plane);
-    AcGePoint3d p = AcGePoint3d::kOrigin + randomVector(rng, 1000.0);
-    expectNear(p2w * (w2p * p), p, 1e-9);
-    // The plane origin goes to the world origin, the normal to +z.
-    expectNear(w2p * origin, AcGePoint3d::kOrigin, 1e-9);
-    AcGeVector3d n = plane.normal();
-    expectNear(n.transformBy(w2p), AcGeVector3d::kZAxis, 1e-12);
-    // Points of the plane land on z = 0.
-    AcGePoint3d onPlane = origin + normal.perpVector() * 10.0;
-    EXPECT_NEAR((w2p * onPlane).z, 0.0, 1e-9);
-  }
-  // The XY plane keeps the world axes.
   EXPECT_TRUE(AcGeMatrix3d::worldToPlane(AcGePlane::kXYPlane).isEqualTo(AcGeMatrix3d::kIdentity));
-}
-
-TEST(AcGeMatrix3dTest, AlignCoordSysMapsFrames) {
-  std::mt19937 rng(4242);
-  for (int i = 0; i < 100; ++i) {
-    AcGePoint3d fo = AcGePoint3d::kOrigin + randomVector(rng, 50.0);
-    AcGePoint3d to = AcGePoint3d::kOrigin + randomVector(rng, 50.0);
-    AcGeVector3d fx = randomVector(rng, 1.0), fy = randomVector(rng, 1.0);
-    AcGeVector3d fz = fx.crossProduct(fy);
-    AcGeVector3d tx = randomVector(rng, 2.0), ty = randomVector(rng, 2.0);
-    AcGeVector3d tz = ty.crossProduct(tx);
-    AcGeMatrix3d m = AcGeMatrix3d::alignCoordSys(fo, fx, fy, fz, to, tx, ty, tz);
-    expectNear(m * fo, to, 1e-9);
-    expectNear(m * (fo + fx), to + tx, 1e-8);
-    expectNear(m * (fo + fy), to + ty, 1e-8);
-    expectNear(m * (fo + fz), to + tz, 1e-8);
-  }
   // A flat "from" frame cannot be aligned: identity.
-  AcGeMatrix3d flat = AcGeMatrix3d::alignCoordSys(AcGePoint3d(), AcGeVector3d::kXAxis, AcGeVector3d::kXAxis,
-                                                  AcGeVector3d::kZAxis, AcGePoint3d(1, 1, 1), AcGeVector3d::kXAxis,
-                                                  AcGeVector3d::kYAxis, AcGeVector3d::kZAxis);
-  EXPECT_TRUE(flat.isEqualTo(AcGeMatrix3d::kIdentity));
+  const AcGeVector3d &X = AcGeVector3d::kXAxis, &Y = AcGeVector3d::kYAxis, &Z = AcGeVector3d::kZAxis;
+  EXPECT_TRUE(AcGeMatrix3d::alignCoordSys({}, X, X, Z, {1, 1, 1}, X, Y, Z).isEqualTo(AcGeMatrix3d::kIdentity));
 }

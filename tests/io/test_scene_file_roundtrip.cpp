@@ -79,16 +79,10 @@ TEST_F(SceneFileRoundTrip, WriteReadWriteGivesTheSameBytesObjectsAndView) {
   const std::string a = readText(dir.file("a.json"));
   EXPECT_GT(a.size(), 1000u);
   EXPECT_EQ(a, readText(dir.file("b.json")));
-  // Into a scene that already holds a different model, and once more out;
-  // and the same scene written again: the same bytes, no temporaries left.
-  CSceneMgr third;
-  KxBuildTower(*third.getObjSetMgr(), 2, 3);
-  ASSERT_TRUE(KxReadSceneFile(dir.file("b.json").c_str(), third, error)) << error.GetString();
-  ASSERT_TRUE(KxWriteSceneFile(dir.file("c.json").c_str(), third, error)) << error.GetString();
+  // The same scene written again: the same bytes, no temporaries left.
   ASSERT_TRUE(KxWriteSceneFile(dir.file("a2.json").c_str(), original, error));
-  EXPECT_EQ(a, readText(dir.file("c.json")));
   EXPECT_EQ(a, readText(dir.file("a2.json")));
-  EXPECT_EQ(dir.entries(), 4u);
+  EXPECT_EQ(dir.entries(), 3u);
 
   const std::vector<CRenderObject*> oa = inOrder(original), ob = inOrder(copy);
   ASSERT_EQ(oa.size(), ob.size());
@@ -162,9 +156,6 @@ TEST_F(SceneFileRoundTrip, ReadingReplacesWhatTheSceneHeldAndAFileWithoutAViewLe
   set.getBox(lo, hi);
   EXPECT_TRUE(lo.isEqualTo(AcGePoint3d(0, 0, 0)));
   EXPECT_TRUE(hi.isEqualTo(AcGePoint3d(4, 2, 0)));
-  // The polygon was set like any other: closed, triangulated, measured.
-  EXPECT_EQ(objs[0]->getShape(0).getPts().size(), 4u);
-  EXPECT_NEAR(objs[0]->getShape(0).getArea(), 4.0, 1e-6);
 }
 
 TEST_F(SceneFileRoundTrip, WritingRefusesWhatCouldNotBeReadBack) {

@@ -109,22 +109,17 @@ TEST(CArchive, BadInputRaisesItsCause) {
 
 TEST(CArchive, DiskFileRoundTrip) {
   const std::string path = ::testing::TempDir() + "archive_roundtrip.bin";
-  {
-    CFile f;
-    ASSERT_TRUE(f.Open(path.c_str(), CFile::modeCreate | CFile::modeWrite));
-    CArchive ar(&f, CArchive::store);
-    ar << 42.5 << CString("坡屋顶");
-  }
-  CFile f;
-  ASSERT_TRUE(f.Open(path.c_str(), CFile::modeRead));
-  CArchive ar(&f, CArchive::load);
   double d = 0;
   CString s;
-  ar >> d >> s;
+  for (UINT mode : {CFile::modeCreate | CFile::modeWrite, UINT(CFile::modeRead)}) {
+    CFile f;
+    ASSERT_TRUE(f.Open(path.c_str(), mode));
+    CArchive ar(&f, mode == CFile::modeRead ? CArchive::load : CArchive::store);
+    if (mode == CFile::modeRead) ar >> d >> s; else ar << 42.5 << CString("坡屋顶");
+  }
   EXPECT_TRUE(d == 42.5 && s == "坡屋顶");
   std::remove(path.c_str());
 }
-
 TEST(CColor, PackingContrastAndGlColour) {
   EXPECT_FALSE(CColor(1, 2, 3, 4) == CColor(1, 2, 3, 5));  // alpha counts
   EXPECT_EQ(CColor(1, 2, 3, 4).getColor(), 0x030201UL);  // red in the low byte, no alpha

@@ -44,25 +44,6 @@ std::string written(const std::function<void(JsonWriter&)>& fn, std::string* err
 }
 }  // namespace
 
-TEST(JsonReader, WalksObjectsArraysAndScalars) {
-  const std::string doc = R"( {"a": [1, -2.5e3, true, false, null], "b": {"c": "x"}, "d": []} )";
-  JsonReader r(doc.data(), doc.size());
-  std::string key, tok1, tok2;
-  bool t = false, f = true;
-  ASSERT_EQ(r.peek(), JsonReader::Type::Object);
-  ASSERT_TRUE(r.beginObject() && r.nextKey(key) && key == "a" && r.beginArray());
-  ASSERT_TRUE(r.nextElement() && r.readNumber(tok1) && r.nextElement() && r.readNumber(tok2));
-  EXPECT_TRUE(tok1 == "1" && tok2 == "-2.5e3");
-  ASSERT_TRUE(r.nextElement() && r.readBool(t) && r.nextElement() && r.readBool(f) && r.nextElement());
-  EXPECT_TRUE(t && !f);
-  EXPECT_EQ(r.peek(), JsonReader::Type::Null);
-  ASSERT_TRUE(r.readNull());
-  EXPECT_FALSE(r.nextElement());
-  ASSERT_TRUE(r.nextKey(key) && key == "b" && r.skipValue() && r.nextKey(key) && key == "d" && r.beginArray());
-  EXPECT_FALSE(r.nextElement() || r.nextKey(key) || r.failed());
-  EXPECT_TRUE(r.finish() && r.depth() == 0u);
-}
-
 TEST(JsonReader, StringsDecodeEscapesAndRefuseBrokenText) {
   const struct { const char* doc; const char* value; } good[] = {
       {R"("a\"b\\c\/d\n\t\r\b\f")", "a\"b\\c/d\n\t\r\b\f"},
@@ -184,37 +165,6 @@ TEST(Json, FilesAreWrittenWholeAndStreamedAcrossChunkBoundaries) {
   EXPECT_EQ(n, count);
   EXPECT_EQ(r.line(), count + 3);
   std::fclose(f);
-}
-
-TEST(JsonWriter, BlockAndInlineLayout) {
-  EXPECT_EQ(written([](JsonWriter& w) {
-              w.beginObject();
-              w.key("a");
-              w.integer(1);
-              w.key("pts");
-              w.beginArray(true);
-              w.beginArray();  // inside an inline array everything is inline
-              w.number(1.5);
-              w.number(-2.0);
-              w.endArray();
-              w.endArray();
-              w.key("list");
-              w.beginArray();
-              w.beginObject(true);
-              w.key("k");
-              w.string("v");
-              w.key("b");
-              w.boolean(false);
-              w.endObject();
-              w.boolean(true);
-              w.endArray();
-              w.key("empty");
-              w.beginObject();
-              w.endObject();
-              w.endObject();
-            }),
-            "{\n  \"a\": 1,\n  \"pts\": [[1.5,-2]],\n  \"list\": [\n    {\"k\":\"v\",\"b\":false},\n    true\n  ],\n"
-            "  \"empty\": {}\n}\n");
 }
 
 TEST(JsonWriter, NumbersAreShortestAndReadBackToTheSameBits) {
