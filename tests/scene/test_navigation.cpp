@@ -61,8 +61,6 @@ TEST_F(Navigation, ZoomPanAndWheelKeepTheirPointsRecordAndCallBack) {
     int history, calls;  // -1: not checked
   } rows[] = {
       {"zoom in per mille", [](CSceneMgr& s) { s.zoom(2000); }, {400, 300}, {400, 300}, 75.0, 1, 1},
-      {"zoom out", [](CSceneMgr& s) { s.zoom(500); }, {400, 300}, {400, 300}, 300.0, 1, 1},
-      {"zoom by 1", [](CSceneMgr& s) { s.zoom(1000); }, {400, 300}, {400, 300}, 150.0, -1, 1},
       // Division by zero gives infinity, a negative factor a negative range.
       {"zoom by 0", [](CSceneMgr& s) { s.zoom(0); }, {400, 300}, {400, 300}, 150.0, -1, 0},
       {"zoom negative", [](CSceneMgr& s) { s.zoom(-1000); }, {400, 300}, {400, 300}, 150.0, -1, 0},
@@ -243,16 +241,11 @@ TEST_F(Navigation, LimitedOrbitKeepsZUprightAndUsesTheFixedPivot) {
   EXPECT_TRUE(sawFinishedView());
   scene.mouseFreeRotate(CSize(130, -70), CPoint(1, 1));  // the free orbit, by contrast, rolls a tilted view
   EXPECT_GT(std::fabs(cam.GetVUp().crossProduct(cam.GetVForward()).z), 1e-3);
-  // Fixed pivot: a quarter turn about z through (5, 5) ...
+  // Fixed pivot: a quarter turn about z through (5, 5).
   *scene.camera() = CCamera();
   CSceneMgrTestAccess::fixPivot(scene, AcGePoint3d(5, 5, 0));
   scene.mouseLimitRotate(CSize(240, 0), CPoint(0, 0));
   EXPECT_TRUE(near(cam.GetVLocation(), AcGeVector3d(10, 0, 0)));
-  // ... which the free orbit ignores: it turns about the origin under the eye.
-  *scene.camera() = CCamera();
-  scene.SetOrbitStatus(CSceneMgr::ORBIT_UP);
-  scene.mouseFreeRotate(CSize(240, 0), CPoint(0, 0));
-  EXPECT_TRUE(near(cam.GetVLocation(), AcGeVector3d(0, 0, 0)));
 }
 
 class OverlayPixels : public SceneFixture {
