@@ -40,16 +40,7 @@ CRenderShape mesh(const Contour& v, const std::vector<int>& idx) {
   return s;
 }
 
-CRenderShape text() {
-  CRenderShape s;
-  TextInfo* t = new TextInfo;
-  t->text = "AB";
-  t->height = 1.0;
-  t->dir1 = AcGeVector3d(1, 0, 0);
-  t->dir2 = AcGeVector3d(0, 1, 0);
-  s.set(t, CColor(), kUp);
-  return s;
-}
+CRenderShape text() { return textShape("AB"); }
 
 // Straight down through (x, y).
 bool down(const CRenderShape& s, double x, double y, int mode, bool solid, AcGePoint3d* at = nullptr) {
@@ -189,31 +180,6 @@ TEST(FaceMeshTree, DroppedWhenTheMeshChanges) {
   s.calBox();
   EXPECT_FALSE(down(s, 1, 1, 2, true));
   EXPECT_TRUE(down(s, 11, 1, 2, true));
-}
-
-// 200,000 triangles: a 200 x 500 grid of squares at z = x / 100.
-TEST(FaceMeshTree, BigMeshAnswersTheRightTriangle) {
-  Contour v;
-  std::vector<int> idx;
-  const int nx = 200, ny = 500;
-  for (int j = 0; j <= ny; ++j)
-    for (int i = 0; i <= nx; ++i) v.emplace_back(i, j, i / 100.0);
-  for (int j = 0; j < ny; ++j)
-    for (int i = 0; i < nx; ++i) {
-      const int a = j * (nx + 1) + i;
-      idx.insert(idx.end(), {a, a + 1, a + nx + 2, a, a + nx + 2, a + nx + 1});
-    }
-  CRenderShape big;
-  big.setFaceType(false);
-  std::vector<AcGeVector3d> n(v.size(), kUp);
-  big.setFaceVertexArray(&v);
-  big.setFaceTriangleIndexArray(&idx);
-  big.setFaceNormalArray(&n);
-  big.calBox();
-  AcGePoint3d at;
-  ASSERT_TRUE(down(big, 123.25, 321.75, 2, true, &at));
-  EXPECT_NEAR(at.z, 1.2325, 1e-9);
-  EXPECT_FALSE(down(big, 250, 10, 2, true));
 }
 
 using picktest::px;
