@@ -5,6 +5,7 @@
 #include "ObjectHelpers.h"
 #include "shapes/PickTestView.h"
 #include "shapes/PickVolume.h"
+#include "shapes/ShapeTestUtil.h"
 
 namespace {
 
@@ -121,14 +122,7 @@ TEST(ObjectRect, AnyShapeCrossesEveryShapeInside) {
   // A text without outlines has nothing to select: it neither keeps its
   // object out of a window nor lets it in, whether the box or the shapes
   // decide.
-  CRenderShape label;
-  TextInfo* t = new TextInfo;
-  t->text = "A";
-  t->height = 1.0;
-  t->position = AcGePoint3d(5, 5, 0);
-  t->dir1 = AcGeVector3d(1, 0, 0);
-  t->dir2 = AcGeVector3d(0, 1, 0);
-  label.set(t, CColor(), AcGeVector3d(0, 0, 1));
+  const CRenderShape label = shapetest::textShape("A", AcGePoint3d(5, 5, 0));
   CRenderObject labelled;
   labelled.addShape(rectShape(-1, -1, 1, 1, 0));
   labelled.addShape(label);
