@@ -143,9 +143,7 @@ TEST_F(ScenePick, BadInputSelectsNothing) {
                              {{-300, 10}, {-10, 200}},
                              {{900, 700}, {1200, 900}}};
   for (const auto& r : rects) EXPECT_FALSE(scene.pick(r[0], r[1], ids)) << r[0].x << "," << r[1].x;
-  EXPECT_EQ(id, 5u);
-  EXPECT_EQ(shape, 6u);
-  EXPECT_EQ(ids, std::vector<unsigned>{9});
+  EXPECT_TRUE(id == 5u && shape == 6u && ids == std::vector<unsigned>{9});
   // A rectangle reaching past the window is cut to it.
   EXPECT_TRUE(scene.pick(CPoint(900, 700), CPoint(-100, -100), ids));
 
