@@ -9,12 +9,6 @@
 
 namespace {
 
-CRenderShape line(double x0, double y0, double x1, double y1, double z) {
-  CRenderShape s;
-  s.set({{x0, y0, z}, {x1, y1, z}}, {}, CRenderShape::kPline, CColor(), AcGeVector3d(0, 0, 1));
-  return s;
-}
-
 // Straight down through (x, y) from z = 100.
 struct Down {
   bool hit;
@@ -37,7 +31,7 @@ TEST(ObjectRay, NearestShapeAlongTheRay) {
   CRenderObject o;
   o.addShape(rectShape(0, 0, 4, 4, 0));
   o.addShape(rectShape(0, 0, 4, 4, 5));
-  o.addShape(line(0, 1, 4, 1, 7));
+  o.addShape(shapetest::polyline({{0, 1, 7}, {4, 1, 7}}));
   o.addShape(rectShape(0, 0, 4, 4, 5));  // equal distance: the first stays
   o.endAddShape();
   const struct {
@@ -103,7 +97,7 @@ TEST(ObjectRay, InstancedShapesOnlyUnderTheirMatrices) {
 TEST(ObjectRect, AnyShapeCrossesEveryShapeInside) {
   CRenderObject o;
   o.addShape(rectShape(-8, -8, -6, -6, 0));
-  o.addShape(line(4, 4, 8, 8, 0));
+  o.addShape(shapetest::polyline({{4, 4, 0}, {8, 8, 0}}));
   o.endAddShape();
   const struct {
     const char* what;

@@ -24,6 +24,11 @@ inline CRenderShape polygon(const Contour& outer, const Contours& holes = {}, co
   s.set(outer, holes, CRenderShape::kPgon, CColor(), n);
   return s;
 }
+inline CRenderShape polyline(const Contour& pts, const CColor& clr = CColor(0, 255, 0, 255)) {
+  CRenderShape s;
+  s.set(pts, {}, CRenderShape::kPline, clr, kUp);
+  return s;
+}
 inline Contour rect(double x0, double y0, double x1, double y1, double z = 0) {  // counter-clockwise
   return {{x0, y0, z}, {x1, y0, z}, {x1, y1, z}, {x0, y1, z}};
 }

@@ -17,12 +17,6 @@ using namespace shapetest;
 
 namespace {
 
-CRenderShape pline(const Contour& pts) {
-  CRenderShape s;
-  s.set(pts, {}, CRenderShape::kPline, CColor(), kUp);
-  return s;
-}
-
 // A face mesh owning copies of the given arrays, each triangle's corners
 // also a hit line.
 CRenderShape mesh(const Contour& v, const std::vector<int>& idx) {
@@ -53,7 +47,7 @@ bool down(const CRenderShape& s, double x, double y, int mode, bool solid, AcGeP
 }  // namespace
 
 TEST(ShapeRay, EachKindAndMode) {
-  const CRenderShape line = pline({{0, 0, 0}, {10, 0, 0}});
+  const CRenderShape line = polyline({{0, 0, 0}, {10, 0, 0}});
   const CRenderShape holed = polygon(rect(0, 0, 10, 10), {rect(4, 4, 6, 6)});
   // z 0 below, z 5 above, overlapping over x, y in 0..2.
   const CRenderShape twoDeep =
@@ -103,7 +97,7 @@ TEST(ShapeRay, EdgeDistanceByKind) {
     AcGePoint3d p;
     double d;
   } rows[] = {
-      {"polyline: always on its edge", pline({{0, 0, 0}, {1, 0, 0}}), {500, 500, 0}, 0.0},
+      {"polyline: always on its edge", polyline({{0, 0, 0}, {1, 0, 0}}), {500, 500, 0}, 0.0},
       {"polygon: closing edge counts", polygon(rect(0, 0, 10, 10)), {-2, 5, 0}, 2.0},
       {"polygon: nearest hole edge", polygon(rect(0, 0, 10, 10), {rect(4, 4, 6, 6)}), {5, 5.5, 0}, 0.5},
       {"polygon: one-point outline", polygon({{1, 1, 0}}), {0, 0, 0}, 1e12},
@@ -186,7 +180,7 @@ using picktest::px;
 using picktest::view;
 
 TEST(ShapeRect, CrossingAndInsideByKind) {
-  const CRenderShape diagonal = pline({{-8, -8, 0}, {8, 8, 0}});
+  const CRenderShape diagonal = polyline({{-8, -8, 0}, {8, 8, 0}});
   const CRenderShape holed = polygon(rect(-8, -8, 8, 8), {rect(-2, -2, 2, 2)});
   const CRenderShape tri = mesh({{-8, -8, 0}, {8, -8, 0}, {-8, 8, 0}}, {0, 1, 2});
   const CRenderShape deep = polygon(rect(-1, -1, 1, 1, 150));  // beyond the far plane
