@@ -3,7 +3,7 @@
 #include <cmath>
 #include <functional>
 
-#include "SceneFixture.h"
+#include "TopViewFixture.h"
 #include "support/PrivateAccess.h"
 
 // Reaches the history records and the fixed orbit pivot, which the host
@@ -141,19 +141,11 @@ TEST_F(Navigation, ZoomToExtentsCentresOnTheModelBox) {
   scene.camera()->ReSet(AcGeVector3d(50, 20, 5), AcGeVector3d(0, 0, 1), AcGeVector3d(1, 0, 0));
   const CCamera start = *scene.camera();
   scene.zoomE();  // nothing to measure, then a model that is a single point: no change, no call
-  const auto add = [&](const std::vector<AcGePoint3d>& pts) {
-    auto* obj = new CRenderObject;
-    CRenderShape s;
-    s.set(pts, {}, CRenderShape::kPline, CColor(), AcGeVector3d::kZAxis, 1, 1, 0);
-    obj->addShape(s);
-    obj->endAddShape();
-    return scene.getObjSetMgr()->addObject(obj);
-  };
-  const unsigned dot = add({AcGePoint3d(4, 4, 4)});
+  const unsigned dot = scene.getObjSetMgr()->addObject(object({AcGePoint3d(4, 4, 4)}));
   scene.zoomE();
   EXPECT_TRUE(sameView(*scene.camera(), start) && scene.dRange() == 150.0 && g_seen.calls == 0);
   scene.getObjSetMgr()->delObject(dot);
-  add({AcGePoint3d(-10, -10, -10), AcGePoint3d(10, 10, 10)});
+  scene.getObjSetMgr()->addObject(object({AcGePoint3d(-10, -10, -10), AcGePoint3d(10, 10, 10)}));
   scene.zoomE();
   EXPECT_DOUBLE_EQ(scene.dRange(), std::sqrt(300.0));
   EXPECT_TRUE(near(scene.camera()->GetVLocation(), AcGeVector3d(0, 0, 0)));
