@@ -31,6 +31,9 @@ class TopViewFixture : public SceneFixture {
     const AcGeVector3d ey = scene.screen2world(CPoint(0, 1), CSceneMgr::PLANE_XY) - o;
     return o + ex * x + ey * y;
   }
-  // The window rectangle (x0, y0)-(x1, y1) on z = 0.
-  Pts rect(double x0, double y0, double x1, double y1) { return {at(x0, y0), at(x1, y0), at(x1, y1), at(x0, y1)}; }
+  // The window rectangle (x0, y0)-(x1, y1) lifted to height z.
+  Pts rect(double x0, double y0, double x1, double y1, double z = 0) {
+    const AcGeVector3d up(0, 0, z);
+    return {at(x0, y0) + up, at(x1, y0) + up, at(x1, y1) + up, at(x0, y1) + up};
+  }
 };

@@ -53,14 +53,13 @@ TEST_F(ScenePick, CandidateRectangleByAperture) {
 }
 
 TEST_F(ScenePick, NearestFirstTiesToTheLaterCandidateKindFilter) {
-  const AcGePoint3d a = at(380, 280), b = at(420, 320);
-  add(object(square(a.x, b.y, b.x, a.y, 0), CRenderShape::kPgon));
-  const unsigned twin = add(object(square(a.x, b.y, b.x, a.y, 0), CRenderShape::kPgon));
+  add(object(rect(380, 320, 420, 280), CRenderShape::kPgon));
+  const unsigned twin = add(object(rect(380, 320, 420, 280), CRenderShape::kPgon));
   Picked p = pickAt(400, 300);
   ASSERT_TRUE(p.ok);
   EXPECT_EQ(p.id, twin);  // same distance: met first walking backwards
   EXPECT_EQ(p.extra, 2);
-  const unsigned above = add(object(square(a.x, b.y, b.x, a.y, 5), CRenderShape::kPgon));
+  const unsigned above = add(object(rect(380, 320, 420, 280, 5), CRenderShape::kPgon));
   EXPECT_EQ(pickAt(400, 300).id, above);
   const AcGePoint3d l0 = at(395, 300), l1 = at(405, 300);
   const unsigned line = add(object({{l0.x, l0.y, -5}, {l1.x, l1.y, -5}}, CRenderShape::kPline));
@@ -80,15 +79,13 @@ TEST_F(ScenePick, NearestFirstTiesToTheLaterCandidateKindFilter) {
   }
   // Only polylines, over a polygon alone: nothing.
   set().clear();
-  add(object(square(a.x, b.y, b.x, a.y, 0), CRenderShape::kPgon));
+  add(object(rect(380, 320, 420, 280), CRenderShape::kPgon));
   EXPECT_FALSE(pickAt(400, 300, 1).ok);
 }
 
 TEST_F(ScenePick, ThroughAWindowOpeningToThePanelBehind) {
-  const AcGePoint3d a = at(300, 200), b = at(500, 400), h0 = at(370, 270), h1 = at(430, 330);
-  const unsigned panel =
-      add(object(square(a.x, b.y, b.x, a.y, 10), CRenderShape::kPgon, {square(h0.x, h1.y, h1.x, h0.y, 10)}));
-  const unsigned behind = add(object(square(a.x, b.y, b.x, a.y, 0), CRenderShape::kPgon));
+  const unsigned panel = add(object(rect(300, 400, 500, 200, 10), CRenderShape::kPgon, {rect(370, 330, 430, 270, 10)}));
+  const unsigned behind = add(object(rect(300, 400, 500, 200), CRenderShape::kPgon));
   EXPECT_EQ(pickAt(400, 300).id, behind);
   EXPECT_EQ(pickAt(320, 220).id, panel);
   // In wire frame the panel is only its edges: the opening's edge is hit.
@@ -103,8 +100,7 @@ TEST_F(ScenePick, WindowAndCrossingOnADiagonalStrip) {
   const AcGePoint3d p = at(150, 550), q = at(650, 50);
   const AcGeVector3d across = (at(1, 0) - at(0, 0)) * 3;
   const unsigned strip = add(object({p - across, q - across, q + across, p + across}, CRenderShape::kPgon));
-  const unsigned dot =
-      add(object(square(at(200, 100).x, at(200, 120).y, at(220, 100).x, at(200, 100).y), CRenderShape::kPgon));
+  const unsigned dot = add(object(rect(200, 120, 220, 100), CRenderShape::kPgon));
   const struct {
     const char* what;
     CPoint p1, p2;
