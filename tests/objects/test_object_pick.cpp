@@ -5,14 +5,9 @@
 #include "ObjectHelpers.h"
 #include "shapes/PickTestView.h"
 #include "shapes/PickVolume.h"
+#include "shapes/ShapeTestUtil.h"
 
 namespace {
-
-CRenderShape line(double x0, double y0, double x1, double y1, double z) {
-  CRenderShape s;
-  s.set({{x0, y0, z}, {x1, y1, z}}, {}, CRenderShape::kPline, CColor(), AcGeVector3d(0, 0, 1));
-  return s;
-}
 
 // Straight down through (x, y) from z = 100.
 struct Down {
@@ -36,7 +31,7 @@ TEST(ObjectRay, NearestShapeAlongTheRay) {
   CRenderObject o;
   o.addShape(rectShape(0, 0, 4, 4, 0));
   o.addShape(rectShape(0, 0, 4, 4, 5));
-  o.addShape(line(0, 1, 4, 1, 7));
+  o.addShape(shapetest::polyline({{0, 1, 7}, {4, 1, 7}}));
   o.addShape(rectShape(0, 0, 4, 4, 5));  // equal distance: the first stays
   o.endAddShape();
   const struct {
@@ -102,7 +97,7 @@ TEST(ObjectRay, InstancedShapesOnlyUnderTheirMatrices) {
 TEST(ObjectRect, AnyShapeCrossesEveryShapeInside) {
   CRenderObject o;
   o.addShape(rectShape(-8, -8, -6, -6, 0));
-  o.addShape(line(4, 4, 8, 8, 0));
+  o.addShape(shapetest::polyline({{4, 4, 0}, {8, 8, 0}}));
   o.endAddShape();
   const struct {
     const char* what;
@@ -121,14 +116,7 @@ TEST(ObjectRect, AnyShapeCrossesEveryShapeInside) {
   // A text without outlines has nothing to select: it neither keeps its
   // object out of a window nor lets it in, whether the box or the shapes
   // decide.
-  CRenderShape label;
-  TextInfo* t = new TextInfo;
-  t->text = "A";
-  t->height = 1.0;
-  t->position = AcGePoint3d(5, 5, 0);
-  t->dir1 = AcGeVector3d(1, 0, 0);
-  t->dir2 = AcGeVector3d(0, 1, 0);
-  label.set(t, CColor(), AcGeVector3d(0, 0, 1));
+  const CRenderShape label = shapetest::textShape("A", AcGePoint3d(5, 5, 0));
   CRenderObject labelled;
   labelled.addShape(rectShape(-1, -1, 1, 1, 0));
   labelled.addShape(label);

@@ -102,21 +102,6 @@ TEST_F(ObjectFrame, StaticObjectsAreReplayedWhenVisibleAndNotAccelerating) {
   EXPECT_TRUE(set().staticObjects().empty());
 }
 
-TEST_F(ObjectFrame, HitOutlinesUseTheContrastRuleAndTheLineStipple) {
-  CRenderShape s = faceTriangle(CColor(200, 200, 200, 255));
-  s.setBorderWidth(2.5, false);
-  set().addObject(objectOf({s}));
-  set().getObj(1)->hit(true);
-  GLRecorder rec(true);
-  scene.render();
-  expectSubsequence(rec, {"glLineStipple(1, 3855)", "glLineWidth(2.5)", "glColor3ub(0, 0, 255)", "glBegin(3)",
-                          "glVertex3d(0, 8, 0)", "glEnd()"});
-  rec.clear();
-  set().getObj(1)->setShapeColor(0, CColor(100, 100, 100, 255));
-  scene.render();
-  expectSubsequence(rec, {"glLineStipple(1, 3855)", "glColor3ub(255, 255, 255)", "glBegin(3)"});
-}
-
 TEST_F(ObjectFrame, ShadowModeRunsTheStencilPassesInOrder) {
   set().addObject(rectObject(-5, -5, 5, 5));
   scene.setShadow(true);
@@ -247,8 +232,7 @@ TEST_F(ObjectFrame, InstancedShapesAreDrawnOncePerMatrixAndNotWithoutOne) {
   {
     GLRecorder rec(true);
     frame();
-    EXPECT_EQ(colourCalls(rec, 255, 0, 0), 0u);
-    EXPECT_EQ(colourCalls(rec, 0, 0, 255), 1u);
+    EXPECT_TRUE(colourCalls(rec, 255, 0, 0) == 0u && colourCalls(rec, 0, 0, 255) == 1u);
   }
   for (float dx : {-5.0f, 5.0f}) {
     CSimpleMatrix* m = new CSimpleMatrix;
@@ -270,8 +254,6 @@ TEST_F(ObjectFrame, GripsOfAHitObjectAreDrawnAndRecordedInTheScene) {
   o->gripPoint().push_back(CGripPoint(AcGePoint3d(0, 0, 0), AcGeVector3d(1, 0, 0)));
   o->gripPoint().push_back(CGripPoint(AcGePoint3d(5, 5, 0), AcGeVector3d(1, 0, 0)));
   set().addObject(o);
-  frame();
-  EXPECT_TRUE(scene.gripPts().empty());  // not hit
   o->hit(true);
   frame();
   EXPECT_TRUE(scene.gripPts().empty());  // grip display off
@@ -282,9 +264,7 @@ TEST_F(ObjectFrame, GripsOfAHitObjectAreDrawnAndRecordedInTheScene) {
                           "glVertex3d(5, 5, 0)", "glEnd()"});
   ASSERT_EQ(scene.gripPts().size(), 2u);
   const GripPoint* second = scene.gripPts().back();
-  EXPECT_EQ(second->obj, o);
-  EXPECT_EQ(second->index, 1);
-  EXPECT_TRUE(second->pt.x == 48 && second->pt.y == 16);
+  EXPECT_TRUE(second->obj == o && second->index == 1 && second->pt.x == 48 && second->pt.y == 16);
 }
 
 TEST_F(ObjectFrame, XorTrackingAndAcceleratedCullingOfSmallObjects) {

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <functional>
 
-#include "SceneFixture.h"
+#include "TopViewFixture.h"
 #include "support/PrivateAccess.h"
 
 // Reaches the history records and the fixed orbit pivot, which the host
@@ -61,8 +61,6 @@ TEST_F(Navigation, ZoomPanAndWheelKeepTheirPointsRecordAndCallBack) {
     int history, calls;  // -1: not checked
   } rows[] = {
       {"zoom in per mille", [](CSceneMgr& s) { s.zoom(2000); }, {400, 300}, {400, 300}, 75.0, 1, 1},
-      {"zoom out", [](CSceneMgr& s) { s.zoom(500); }, {400, 300}, {400, 300}, 300.0, 1, 1},
-      {"zoom by 1", [](CSceneMgr& s) { s.zoom(1000); }, {400, 300}, {400, 300}, 150.0, -1, 1},
       // Division by zero gives infinity, a negative factor a negative range.
       {"zoom by 0", [](CSceneMgr& s) { s.zoom(0); }, {400, 300}, {400, 300}, 150.0, -1, 0},
       {"zoom negative", [](CSceneMgr& s) { s.zoom(-1000); }, {400, 300}, {400, 300}, 150.0, -1, 0},
@@ -143,19 +141,11 @@ TEST_F(Navigation, ZoomToExtentsCentresOnTheModelBox) {
   scene.camera()->ReSet(AcGeVector3d(50, 20, 5), AcGeVector3d(0, 0, 1), AcGeVector3d(1, 0, 0));
   const CCamera start = *scene.camera();
   scene.zoomE();  // nothing to measure, then a model that is a single point: no change, no call
-  const auto add = [&](const std::vector<AcGePoint3d>& pts) {
-    auto* obj = new CRenderObject;
-    CRenderShape s;
-    s.set(pts, {}, CRenderShape::kPline, CColor(), AcGeVector3d::kZAxis, 1, 1, 0);
-    obj->addShape(s);
-    obj->endAddShape();
-    return scene.getObjSetMgr()->addObject(obj);
-  };
-  const unsigned dot = add({AcGePoint3d(4, 4, 4)});
+  const unsigned dot = scene.getObjSetMgr()->addObject(object({AcGePoint3d(4, 4, 4)}));
   scene.zoomE();
   EXPECT_TRUE(sameView(*scene.camera(), start) && scene.dRange() == 150.0 && g_seen.calls == 0);
   scene.getObjSetMgr()->delObject(dot);
-  add({AcGePoint3d(-10, -10, -10), AcGePoint3d(10, 10, 10)});
+  scene.getObjSetMgr()->addObject(object({AcGePoint3d(-10, -10, -10), AcGePoint3d(10, 10, 10)}));
   scene.zoomE();
   EXPECT_DOUBLE_EQ(scene.dRange(), std::sqrt(300.0));
   EXPECT_TRUE(near(scene.camera()->GetVLocation(), AcGeVector3d(0, 0, 0)));
@@ -243,16 +233,11 @@ TEST_F(Navigation, LimitedOrbitKeepsZUprightAndUsesTheFixedPivot) {
   EXPECT_TRUE(sawFinishedView());
   scene.mouseFreeRotate(CSize(130, -70), CPoint(1, 1));  // the free orbit, by contrast, rolls a tilted view
   EXPECT_GT(std::fabs(cam.GetVUp().crossProduct(cam.GetVForward()).z), 1e-3);
-  // Fixed pivot: a quarter turn about z through (5, 5) ...
+  // Fixed pivot: a quarter turn about z through (5, 5).
   *scene.camera() = CCamera();
   CSceneMgrTestAccess::fixPivot(scene, AcGePoint3d(5, 5, 0));
   scene.mouseLimitRotate(CSize(240, 0), CPoint(0, 0));
   EXPECT_TRUE(near(cam.GetVLocation(), AcGeVector3d(10, 0, 0)));
-  // ... which the free orbit ignores: it turns about the origin under the eye.
-  *scene.camera() = CCamera();
-  scene.SetOrbitStatus(CSceneMgr::ORBIT_UP);
-  scene.mouseFreeRotate(CSize(240, 0), CPoint(0, 0));
-  EXPECT_TRUE(near(cam.GetVLocation(), AcGeVector3d(0, 0, 0)));
 }
 
 class OverlayPixels : public SceneFixture {

@@ -4,24 +4,12 @@
 #include <functional>
 #include <random>
 
-#include "SceneFixture.h"
+#include "TopViewFixture.h"
 #include "kxrender/AcGeCircArc3d.h"
 #include "kxrender/AcGeLineSeg3d.h"
 #include "kxrender/CRenderSysUtils.h"
 
 namespace {
-
-typedef std::vector<AcGePoint3d> Pts;
-
-CRenderObject* object(const Pts& pts, CRenderShape::ShapeType kind = CRenderShape::kPline,
-                      AcGeVector3d normal = AcGeVector3d(0, 0, 1)) {
-  CRenderObject* o = new CRenderObject;
-  CRenderShape s;
-  s.set(pts, {}, kind, CColor(), normal);
-  o->addShape(s);
-  o->endAddShape();
-  return o;
-}
 
 // The closed outline as snap segments.
 std::vector<AcGeCurve3d*> outline(const Pts& pts) {
@@ -32,29 +20,13 @@ std::vector<AcGeCurve3d*> outline(const Pts& pts) {
 
 }  // namespace
 
-// The default top view: world x to the right, y up.
-class SceneSnap : public SceneFixture {
- protected:
-  void SetUp() override {
-    open(800, 600);
-    scene.render();
-  }
-
- public:  // reached from the rows' builders
-  CObjectSetMgr& set() { return *scene.getObjSetMgr(); }
+class SceneSnap : public TopViewFixture {
+ public:
   CSceneMgr& view() { return scene; }
   CRenderObject& add(CRenderObject* o) {
     set().addObject(o);
     return *o;
   }
-  // World point on z = 0 under window position (x, y), fractions allowed.
-  AcGePoint3d at(double x, double y) {
-    const AcGePoint3d o = scene.screen2world(CPoint(0, 0), CSceneMgr::PLANE_XY);
-    const AcGeVector3d ex = scene.screen2world(CPoint(1, 0), CSceneMgr::PLANE_XY) - o;
-    const AcGeVector3d ey = scene.screen2world(CPoint(0, 1), CSceneMgr::PLANE_XY) - o;
-    return o + ex * x + ey * y;
-  }
-  Pts rect(double x0, double y0, double x1, double y1) { return {at(x0, y0), at(x1, y0), at(x1, y1), at(x0, y1)}; }
   struct Snapped {
     bool ok;
     AcGePoint3d pt;
@@ -126,13 +98,6 @@ TEST_F(SceneSnap, EachKindAloneOnHandBuiltObjects) {
          return t.at(420, 320);
        },
        416, 318},
-      {"assist point", CRenderObject::kSnapNode,
-       [](SceneSnap& t) {
-         t.add(object(t.rect(380, 280, 420, 320), CRenderShape::kPgon));
-         t.set().pushAssistPt(t.at(398, 301), 3);
-         return t.at(398, 301);
-       },
-       400, 300},
       {"grip", CRenderObject::kSnapGrip,
        [](SceneSnap& t) {
          t.add(object(t.rect(380, 280, 420, 320), CRenderShape::kPgon))
@@ -144,7 +109,6 @@ TEST_F(SceneSnap, EachKindAloneOnHandBuiltObjects) {
   };
   for (const auto& r : rows) {
     set().clear();
-    set().clearAssistPt(-1);
     scene.setSnapFirstPt(false, AcGePoint3d());
     const AcGePoint3d want = r.build(*this);
     scene.render();
@@ -193,12 +157,11 @@ TEST_F(SceneSnap, PriorityAmongKindsInTheAperture) {
 TEST_F(SceneSnap, CornerBehindAWallOnlyFromTheOtherSide) {
   // A vertical wall in the plane y = 0 and, 5 units behind it (y = 5), a
   // small square in the plane y = 5 with its corners as snap points.
-  add(object({{-20, 0, -20}, {20, 0, -20}, {20, 0, 20}, {-20, 0, 20}}, CRenderShape::kPgon, {0, -1, 0}));
+  add(object({{-20, 0, -20}, {20, 0, -20}, {20, 0, 20}, {-20, 0, 20}}, CRenderShape::kPgon, {}, {0, -1, 0}));
   const Pts sq = {{0, 5, 0}, {4, 5, 0}, {4, 5, 4}, {0, 5, 4}};
   add(object(sq)).setSnapPoints(sq);
   const struct {
-    double fy;  // the eye looks along y = fy
-    double tol;
+    double fy, tol;  // the eye looks along y = fy
     bool snaps;
   } rows[] = {{1, 1e-3, false}, {-1, 1e-3, true}, {1, 1e9, true}};
   for (const auto& r : rows) {
@@ -279,8 +242,7 @@ TEST_F(SceneSnap, BadInputFindsNothingOrDegradesQuietly) {
   o.setSnapCurves({new AcGeLineSeg3d(sq[0], sq[0]), nullptr});
   add(object(rect(290, 290, 310, 310)));
   scene.render();
-  const Snapped s = snapAt(301, 301, CRenderObject::kSnapAll);
-  EXPECT_TRUE(s.ok && s.kind == CRenderObject::kSnapEndPoint && s.pt.isEqualTo(sq[0]));
+  EXPECT_TRUE(snapAt(301, 301, CRenderObject::kSnapAll).pt.isEqualTo(sq[0]));
   o.clearSnapCurves();
   EXPECT_FALSE(snapAt(301, 301, CRenderObject::kSnapAll).ok);
   // A view that cannot be inverted: no point and no crash.

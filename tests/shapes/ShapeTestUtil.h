@@ -24,6 +24,11 @@ inline CRenderShape polygon(const Contour& outer, const Contours& holes = {}, co
   s.set(outer, holes, CRenderShape::kPgon, CColor(), n);
   return s;
 }
+inline CRenderShape polyline(const Contour& pts, const CColor& clr = CColor(0, 255, 0, 255)) {
+  CRenderShape s;
+  s.set(pts, {}, CRenderShape::kPline, clr, kUp);
+  return s;
+}
 inline Contour rect(double x0, double y0, double x1, double y1, double z = 0) {  // counter-clockwise
   return {{x0, y0, z}, {x1, y0, z}, {x1, y1, z}, {x0, y1, z}};
 }
@@ -31,6 +36,19 @@ inline Contour ngon(double r, int n, double phase = 0, double cx = 0, double cy 
   Contour c;
   for (int i = 0; i < n; ++i) c.emplace_back(cx + r * std::cos(phase + 2 * M_PI * i / n), cy + r * std::sin(phase + 2 * M_PI * i / n), 0);
   return c;
+}
+// A text along x at pos, without glyph outlines.
+inline CRenderShape textShape(const char* text, const AcGePoint3d& pos = AcGePoint3d(), const CColor& c = CColor(),
+                              double height = 1.0) {
+  CRenderShape s;
+  TextInfo* t = new TextInfo;
+  t->text = text;
+  t->height = height;
+  t->position = pos;
+  t->dir1 = AcGeVector3d(1, 0, 0);
+  t->dir2 = AcGeVector3d(0, 1, 0);
+  s.set(t, c, kUp);
+  return s;
 }
 inline double ngonArea(double r, int n) { return 0.5 * n * r * r * std::sin(2 * M_PI / n); }
 

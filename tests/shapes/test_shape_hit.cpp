@@ -17,12 +17,6 @@ using namespace shapetest;
 
 namespace {
 
-CRenderShape pline(const Contour& pts) {
-  CRenderShape s;
-  s.set(pts, {}, CRenderShape::kPline, CColor(), kUp);
-  return s;
-}
-
 // A face mesh owning copies of the given arrays, each triangle's corners
 // also a hit line.
 CRenderShape mesh(const Contour& v, const std::vector<int>& idx) {
@@ -40,16 +34,7 @@ CRenderShape mesh(const Contour& v, const std::vector<int>& idx) {
   return s;
 }
 
-CRenderShape text() {
-  CRenderShape s;
-  TextInfo* t = new TextInfo;
-  t->text = "AB";
-  t->height = 1.0;
-  t->dir1 = AcGeVector3d(1, 0, 0);
-  t->dir2 = AcGeVector3d(0, 1, 0);
-  s.set(t, CColor(), kUp);
-  return s;
-}
+CRenderShape text() { return textShape("AB"); }
 
 // Straight down through (x, y).
 bool down(const CRenderShape& s, double x, double y, int mode, bool solid, AcGePoint3d* at = nullptr) {
@@ -62,7 +47,7 @@ bool down(const CRenderShape& s, double x, double y, int mode, bool solid, AcGeP
 }  // namespace
 
 TEST(ShapeRay, EachKindAndMode) {
-  const CRenderShape line = pline({{0, 0, 0}, {10, 0, 0}});
+  const CRenderShape line = polyline({{0, 0, 0}, {10, 0, 0}});
   const CRenderShape holed = polygon(rect(0, 0, 10, 10), {rect(4, 4, 6, 6)});
   // z 0 below, z 5 above, overlapping over x, y in 0..2.
   const CRenderShape twoDeep =
@@ -112,7 +97,7 @@ TEST(ShapeRay, EdgeDistanceByKind) {
     AcGePoint3d p;
     double d;
   } rows[] = {
-      {"polyline: always on its edge", pline({{0, 0, 0}, {1, 0, 0}}), {500, 500, 0}, 0.0},
+      {"polyline: always on its edge", polyline({{0, 0, 0}, {1, 0, 0}}), {500, 500, 0}, 0.0},
       {"polygon: closing edge counts", polygon(rect(0, 0, 10, 10)), {-2, 5, 0}, 2.0},
       {"polygon: nearest hole edge", polygon(rect(0, 0, 10, 10), {rect(4, 4, 6, 6)}), {5, 5.5, 0}, 0.5},
       {"polygon: one-point outline", polygon({{1, 1, 0}}), {0, 0, 0}, 1e12},
@@ -191,36 +176,11 @@ TEST(FaceMeshTree, DroppedWhenTheMeshChanges) {
   EXPECT_TRUE(down(s, 11, 1, 2, true));
 }
 
-// 200,000 triangles: a 200 x 500 grid of squares at z = x / 100.
-TEST(FaceMeshTree, BigMeshAnswersTheRightTriangle) {
-  Contour v;
-  std::vector<int> idx;
-  const int nx = 200, ny = 500;
-  for (int j = 0; j <= ny; ++j)
-    for (int i = 0; i <= nx; ++i) v.emplace_back(i, j, i / 100.0);
-  for (int j = 0; j < ny; ++j)
-    for (int i = 0; i < nx; ++i) {
-      const int a = j * (nx + 1) + i;
-      idx.insert(idx.end(), {a, a + 1, a + nx + 2, a, a + nx + 2, a + nx + 1});
-    }
-  CRenderShape big;
-  big.setFaceType(false);
-  std::vector<AcGeVector3d> n(v.size(), kUp);
-  big.setFaceVertexArray(&v);
-  big.setFaceTriangleIndexArray(&idx);
-  big.setFaceNormalArray(&n);
-  big.calBox();
-  AcGePoint3d at;
-  ASSERT_TRUE(down(big, 123.25, 321.75, 2, true, &at));
-  EXPECT_NEAR(at.z, 1.2325, 1e-9);
-  EXPECT_FALSE(down(big, 250, 10, 2, true));
-}
-
 using picktest::px;
 using picktest::view;
 
 TEST(ShapeRect, CrossingAndInsideByKind) {
-  const CRenderShape diagonal = pline({{-8, -8, 0}, {8, 8, 0}});
+  const CRenderShape diagonal = polyline({{-8, -8, 0}, {8, 8, 0}});
   const CRenderShape holed = polygon(rect(-8, -8, 8, 8), {rect(-2, -2, 2, 2)});
   const CRenderShape tri = mesh({{-8, -8, 0}, {8, -8, 0}, {-8, 8, 0}}, {0, 1, 2});
   const CRenderShape deep = polygon(rect(-1, -1, 1, 1, 150));  // beyond the far plane

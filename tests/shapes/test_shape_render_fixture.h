@@ -26,12 +26,6 @@ inline CRenderShape polygon(const Contour& outer, const Contours& holes, const C
   return s;
 }
 
-inline CRenderShape polyline(const Contour& pts, const CColor& clr = CColor(0, 255, 0, 255)) {
-  CRenderShape s;
-  s.set(pts, {}, CRenderShape::kPline, clr, kUp);
-  return s;
-}
-
 inline std::vector<std::string> texts(const GLRecorder& rec) {
   std::vector<std::string> out;
   for (const auto& c : rec.calls()) out.push_back(c.text());

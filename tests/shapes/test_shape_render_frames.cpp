@@ -213,17 +213,13 @@ TEST_F(ShapeRenderPictures, HighlightIsACheckerboardOverTheFill) {
   s.setHighLight(true);
   obj.setRenderedFlags(true, false);
   draw(s, 2);
-  int white = 0, red = 0;
   for (int y = 10; y < 20; ++y)
-    for (int x = 10; x < 20; ++x) {
+    for (int x = 10; x < 20; ++x) {  // white and red alternate; diagonal neighbours agree
       const bool isWhite = near(rgb(x, y), 255, 255, 255);
-      white += isWhite;
-      red += near(rgb(x, y), 255, 0, 0);
-      // Neighbours alternate; diagonal neighbours agree.
+      EXPECT_TRUE(isWhite || near(rgb(x, y), 255, 0, 0)) << x << "," << y;
       EXPECT_NE(isWhite, near(rgb(x + 1, y), 255, 255, 255)) << x << "," << y;
       EXPECT_EQ(isWhite, near(rgb(x + 1, y + 1), 255, 255, 255)) << x << "," << y;
     }
-  EXPECT_TRUE(white == 50 && red == 50);
   EXPECT_TRUE(near(rgb(32, 32), 0, 0, 0));  // the hole gets no overlay either
   draw(s, 2, true);  // suppressed by the flag: the plain fill
   for (int x = 10; x < 14; ++x) EXPECT_TRUE(near(rgb(x, 12), 255, 0, 0)) << x;
