@@ -176,6 +176,26 @@ TEST(FaceMeshTree, DroppedWhenTheMeshChanges) {
   EXPECT_TRUE(down(s, 11, 1, 2, true));
 }
 
+// 200,000 triangles: the tree answers the one under the ray, on a sloped
+// grid, and nothing beside the mesh.
+TEST(FaceMeshTree, BigMeshAnswersTheRightTriangle) {
+  Contour v;
+  std::vector<int> idx;
+  const int nx = 200, ny = 500;
+  for (int j = 0; j <= ny; ++j)
+    for (int i = 0; i <= nx; ++i) v.emplace_back(i, j, i / 100.0);
+  for (int j = 0; j < ny; ++j)
+    for (int i = 0; i < nx; ++i) {
+      const int a = j * (nx + 1) + i;
+      idx.insert(idx.end(), {a, a + 1, a + nx + 2, a, a + nx + 2, a + nx + 1});
+    }
+  const CRenderShape big = mesh(v, idx);
+  AcGePoint3d at;
+  ASSERT_TRUE(down(big, 123.25, 321.75, 2, true, &at));
+  EXPECT_NEAR(at.z, 1.2325, 1e-9);
+  EXPECT_FALSE(down(big, 250, 10, 2, true));
+}
+
 using picktest::px;
 using picktest::view;
 
