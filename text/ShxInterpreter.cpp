@@ -160,8 +160,8 @@ class Interpreter {
     }
   }
 
-  // Reads the number of a subshape call in this font's form; `frame` and
-  // `base` are set for the extended big-font form (a scaled primitive).
+  // Reads the number of a subshape call in this font's form; `box` gets the
+  // x, y, width and height of the extended big-font form (a scaled primitive).
   bool subshapeNumber(Cursor& in, unsigned& number, bool& extended, int (&box)[4]) {
     int a, b;
     extended = false;

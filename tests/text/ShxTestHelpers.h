@@ -21,11 +21,20 @@ inline std::vector<uint8_t> compile(const std::string& shp) {
   return shx;
 }
 
+// Files written by the tests, removed when the program ends.
+struct TempFiles {
+  std::vector<std::string> paths;
+  ~TempFiles() {
+    for (const std::string& p : paths) std::remove(p.c_str());
+  }
+};
+
 // Writes bytes to a fresh file (a new name each time, so the font cache
 // never hands back an earlier test's font).
 inline std::string writeFile(const std::vector<uint8_t>& bytes) {
-  static int serial = 0;
-  const std::string path = "/tmp/kx_shx_" + std::to_string(getpid()) + "_" + std::to_string(++serial) + ".shx";
+  static TempFiles files;
+  const std::string path = "/tmp/kx_shx_" + std::to_string(getpid()) + "_" + std::to_string(files.paths.size()) + ".shx";
+  files.paths.push_back(path);
   std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
   return path;
 }
