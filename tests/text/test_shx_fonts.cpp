@@ -77,6 +77,15 @@ TEST(ShxFonts, KindsAndHeaders) {
     EXPECT_EQ(info.GetAbove(), k.above);
     EXPECT_EQ(info.GetBelow(), k.below);
   }
+  // Version 1.1 of the plain shape file has the same layout.
+  std::vector<uint8_t> v11 = compile(shxtest::shapesFont("*65,3,a\n020,014,0"));
+  ASSERT_EQ(v11[20], '0');
+  v11[20] = '1';
+  CShapeInfo info;
+  ASSERT_TRUE(info.Init(writeFile(v11).c_str()));
+  CShape shape;
+  EXPECT_TRUE(info.GetShape(65, CShapeInfo::kSingleByte, shape));
+  EXPECT_EQ(shxtest::describe(shape), kStroke);
 }
 
 // The fonts compiled at build time sit in "Fonts" beside the executable.
