@@ -6,6 +6,7 @@
 
 #include "kxrender/CObjectSetMgr.h"
 #include "kxrender/CSceneMgr.h"
+#include "objects/RetainedDraw.h"
 #include "support/GLTable.h"
 
 namespace {
@@ -23,6 +24,7 @@ void CObjectSetMgr::setRenderMode(CRenderObject::RenderMode mode) {
 void CObjectSetMgr::releaseDispList() {
   for (auto& kv : m_objects) {
     if (!kv.second) continue;
+    kv.second->releaseRetainedList();
     for (CRenderShape& s : kv.second->getShps()) s.releaseDisplayList();
     for (std::vector<CRenderShape>& level : kv.second->getLodShpss())
       for (CRenderShape& s : level) s.releaseDisplayList();
@@ -164,6 +166,7 @@ void CObjectSetMgr::drawObjects(const std::vector<CRenderObject*>& objs) {
   const double pixelsPerUnit = m_scene->getPixelsPerUnit();
   const double unitsPerPixel = 1.0 / pixelsPerUnit;
   const AcGeVector3d viewDirection = -m_scene->camera()->GetVForward();
+  const kxretained::PointBatchScope points(m_scene);
   for (CRenderObject* o : objs)
     if (o) o->render(true, &unitsPerPixel, &pixelsPerUnit, &viewDirection);
 }

@@ -65,6 +65,7 @@ void feedContour(PolygonTessellator& tess, const std::vector<AcGePoint3d>& c, co
 }  // namespace
 
 void CRenderShape::divTringle() {
+  touchDrawStamp();
   m_glPts.clear();
   m_strips.clear();
   m_texCoords.clear();  // they belonged to the old vertices

@@ -163,6 +163,8 @@ class KXRENDER_API CRenderObject {
   // ---- drawing ----
   void render(bool cullBackFaces, const double* unitsPerPixel, const double* pixelsPerUnit,
               const AcGeVector3d* viewDirection);
+  // The display list the retained path compiled for this object (0: none).
+  unsigned getRetainedList() const { return m_retainedList; }
   // Shadow volumes are not drawn yet.
   void renderShadowVolume() {}
   // Shapes that must be drawn with the selection look after all objects.
@@ -242,6 +244,14 @@ class KXRENDER_API CRenderObject {
   void snapChanged();
   void drawShape(CRenderShape& s, bool cullBackFaces, const double* pixelsPerUnit,
                  const AcGeVector3d* viewDirection, bool isLod);
+  void drawShapes(std::vector<CRenderShape>& shapes, unsigned instanced, bool cullBackFaces,
+                  const double* pixelsPerUnit, const AcGeVector3d* viewDirection, bool isLod);
+  // Draws the shapes through the object's display list (RenderObjectRetained.cpp);
+  // false when the object has to take the per-shape path this frame.
+  bool drawRetained(std::vector<CRenderShape>& shapes, unsigned instanced, bool cullBackFaces,
+                    const double* pixelsPerUnit, const AcGeVector3d* viewDirection, bool isLod);
+  // Hands the retained list to the scene's deletion queue.
+  void releaseRetainedList();
 
   std::vector<CRenderShape> m_shapes;
   unsigned m_id = 0;
@@ -275,4 +285,6 @@ class KXRENDER_API CRenderObject {
   std::vector<CGripPoint> m_grips;
   bool m_renderedFlag1 = false;
   bool m_renderedFlag2 = false;
+  unsigned m_retainedList = 0;
+  uint64_t m_retainedKey = 0;  // what the list was compiled from
 };

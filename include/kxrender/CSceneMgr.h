@@ -193,6 +193,11 @@ class KXRENDER_API CSceneMgr {
   void setBack(bool b) { m_bBack = b; }
   bool isDrawGrip() const { return m_bDrawGrip; }
   void setDrawGrip(bool b) { m_bDrawGrip = b; }
+  // Retained drawing (on by default): objects replay a display list of
+  // their shapes, and objects drawn as single points go in one batch.
+  // Off, every frame issues each shape's drawing calls.
+  bool isRetainedDraw() const { return m_bRetainedDraw; }
+  void setRetainedDraw(bool b) { m_bRetainedDraw = b; }
   bool isAccelerate() const { return m_bAccelerate; }
   void setAccelerate(bool b) { m_bAccelerate = b; }
   unsigned long getLastRenderTime() const { return m_lastRenderTime; }
@@ -274,6 +279,7 @@ class KXRENDER_API CSceneMgr {
   bool m_bDrawCoordinate = true;
   bool m_bDrawGrip = false;
   bool m_bAccelerate = false;
+  bool m_bRetainedDraw = true;
   unsigned long m_lastRenderTime = 0;
   std::list<GripPoint*> m_gripPts;
   bool m_bPartTrans = false;
