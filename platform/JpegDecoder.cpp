@@ -21,10 +21,13 @@ struct ErrorJump {
 
 void failDecode(j_common_ptr cinfo) { std::longjmp(reinterpret_cast<ErrorJump*>(cinfo->err)->jump, 1); }
 
-// Warnings are tolerated (stray bytes, odd markers) except running out of
-// data, which libjpeg would otherwise paper over with grey.
+// Warnings about the file's form are tolerated (stray bytes, odd markers);
+// those about missing or broken scan data are not: libjpeg would paper over
+// the hole with grey.
 void onMessage(j_common_ptr cinfo, int level) {
-  if (level < 0 && cinfo->err->msg_code == JWRN_JPEG_EOF) failDecode(cinfo);
+  const int code = cinfo->err->msg_code;
+  if (level < 0 && (code == JWRN_JPEG_EOF || code == JWRN_HIT_MARKER || code == JWRN_HUFF_BAD_CODE))
+    failDecode(cinfo);
 }
 
 // A progressive file can carry any number of scans, each a full pass over
@@ -61,6 +64,11 @@ bool decodeJpeg(const uint8_t* data, size_t size, DecodedImage& out) {
   int orientation = 1;
   for (jpeg_saved_marker_ptr m = cinfo.marker_list; m; m = m->next)
     if (m->marker == JPEG_APP0 + 1) orientation = exifOrientation(m->data, m->data_length);
+  // Huffman coding spends at least one bit on every 8 x 8 block of the
+  // first scan: a file too short for that claims a size it cannot fill,
+  // and is refused before a progressive decode sets up its coefficients.
+  const uint64_t blocks = (uint64_t(cinfo.image_width) + 7) / 8 * ((uint64_t(cinfo.image_height) + 7) / 8);
+  if (!cinfo.arith_code && blocks > uint64_t(size) * 8) failDecode(reinterpret_cast<j_common_ptr>(&cinfo));
   const bool isCmyk = cinfo.jpeg_color_space == JCS_CMYK || cinfo.jpeg_color_space == JCS_YCCK;
   cinfo.out_color_space = isCmyk ? JCS_CMYK : JCS_EXT_RGBA;
   jpeg_start_decompress(&cinfo);

@@ -86,6 +86,9 @@ bool decodePng(const uint8_t* data, size_t size, DecodedImage& out) {
   png_set_chunk_malloc_max(png, 64u << 20);  // text and profile chunks, not pixels
   png_read_info(png, info);
   const png_uint_32 w = png_get_image_width(png, info), h = png_get_image_height(png, info);
+  // Deflate packs at most about 1032 bytes into one: a stream too short for
+  // the rows it claims is refused before any row is made.
+  if (uint64_t(h) * (png_get_rowbytes(png, info) + 1) > uint64_t(size) * 1100 + 65536) png_error(png, "too short");
   if (!rows.start(w, h)) png_error(png, "size");
   png_set_expand(png);     // palette to RGB, grey below 8 bits to 8, tRNS to alpha
   png_set_scale_16(png);   // 16 bits rounded to 8

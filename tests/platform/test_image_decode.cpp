@@ -226,6 +226,7 @@ TEST(ImageDecode, BrokenFilesAreRefusedWithoutOutput) {
       {"jpeg height 0", jpeg, findPatch({0xFF, 0xC2}, 3, {0, 0})},
       {"jpeg truncated", jpeg, cut(0.6)},
       {"jpeg header only", jpeg, cut(0.1)},
+      {"jpeg scan cut short, end marker kept", jpeg, [](std::vector<uint8_t>& b) { b.resize(b.size() * 6 / 10), b.insert(b.end(), {0xFF, 0xD9}); }},
       {"gif frame width 0", gif, findPatch({0x2C, 0, 0, 0, 0}, 0, {0, 0})},
       {"gif truncated", gif, cut(0.6)},
       {"gif without colours", gifBytes(opaque(p), {false, false, true}), findPatch({0x2C}, 8, {0})},
