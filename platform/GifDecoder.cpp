@@ -1,6 +1,7 @@
-// GIF (87a and 89a) through giflib: the first frame on its logical screen,
-// interlaced or not, with the transparent index of its graphic control
-// extension. Screen pixels the frame does not cover are transparent.
+// GIF (87a and 89a) through giflib: the first frame, interlaced or not, with
+// the transparent index of its graphic control extension. The picture is
+// the frame's own rectangle: the logical screen around it is ignored, so a
+// few bytes naming a huge screen cannot make a huge image.
 #include <gif_lib.h>
 
 #include <algorithm>
@@ -73,27 +74,22 @@ bool decodeGif(const uint8_t* data, size_t size, DecodedImage& out) {
   }
   const GifImageDesc& frame = gif->Image;
   const ColorMapObject* map = frame.ColorMap ? frame.ColorMap : gif->SColorMap;
-  if (!map || !imageSizeAllowed(frame.Width, frame.Height) || frame.Left < 0 || frame.Top < 0) return false;
-  // Some writers leave the screen smaller than the frame: grow it.
-  const long long width = std::max<long long>(gif->SWidth, (long long)frame.Left + frame.Width);
-  const long long height = std::max<long long>(gif->SHeight, (long long)frame.Top + frame.Height);
-  if (!imageSizeAllowed(width, height)) return false;
+  if (!map || !imageSizeAllowed(frame.Width, frame.Height)) return false;
   // Left uninitialised so that only rows the data really fills touch memory.
   std::unique_ptr<uint8_t[]> indices(new (std::nothrow) uint8_t[size_t(frame.Width) * size_t(frame.Height)]);
   if (!indices || !readFrame(gif.get(), indices.get(), frame.Width, frame.Height)) return false;
 
   RgbaRows rows;
-  if (!rows.start(width, height)) return false;
+  if (!rows.start(frame.Width, frame.Height)) return false;
+  const uint8_t* index = indices.get();
   while (uint8_t* dst = rows.next()) {
-    const int y = rows.rows() - 1 - frame.Top;
-    std::memset(dst, 0, rows.rowBytes());
-    if (y < 0 || y >= frame.Height) continue;
-    const uint8_t* src = indices.get() + size_t(y) * size_t(frame.Width);
-    for (int x = 0; x < frame.Width; ++x) {
-      uint8_t* p = dst + (size_t(frame.Left) + x) * 4;
-      const int i = src[x];
-      if (i < map->ColorCount) p[0] = map->Colors[i].Red, p[1] = map->Colors[i].Green, p[2] = map->Colors[i].Blue;
-      p[3] = i == transparent ? 0 : 255;
+    for (int x = 0; x < frame.Width; ++x, ++index, dst += 4) {
+      const int i = *index;
+      const bool known = i < map->ColorCount;  // an index past the map: black
+      dst[0] = known ? map->Colors[i].Red : 0;
+      dst[1] = known ? map->Colors[i].Green : 0;
+      dst[2] = known ? map->Colors[i].Blue : 0;
+      dst[3] = i == transparent ? 0 : 255;
     }
   }
   return rows.finish(out);

@@ -1,3 +1,5 @@
+// PNG files: the writer the engine exports and the decoder behind KxReadPng
+// and texture loading.
 #include <png.h>
 
 #include <csetjmp>

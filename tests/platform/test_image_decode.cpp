@@ -70,9 +70,6 @@ TEST(ImageDecode, LosslessFormatsGiveEveryPixel) {
   Picture strongAlpha = alpha;  // the TIFF reader premultiplies: faint alpha would lose colour
   for (uint32_t& c : strongAlpha.px) c |= 0x80;
   const std::string tif = tempPath("t.tif");
-  Picture onScreen{9, 7, std::vector<uint32_t>(63, 0)};  // a 7 x 5 frame at (1, 2) on a 9 x 7 screen
-  for (int y = 0; y < 5; ++y)
-    for (int x = 0; x < 7; ++x) onScreen.px[size_t(y + 2) * 9 + x + 1] = colours.at(x, y);
   const struct {
     const char* name;
     std::vector<uint8_t> bytes;
@@ -115,7 +112,7 @@ TEST(ImageDecode, LosslessFormatsGiveEveryPixel) {
       {"gif 89a transparent, local map", gifBytes(colours, {true, false, true, 0}), keyed(colours), 0},
       {"gif interlaced", gifBytes(opaque(big), {false, true}), opaque(big), 0},
       {"gif second frame ignored", gifBytes(colours, {true, false, false, -1, 0, 0, 0, 0, true}), colours, 0},
-      {"gif frame on a larger screen", gifBytes(colours, {false, false, false, -1, 1, 2, 9, 7}), onScreen, 0},
+      {"gif frame alone, not its screen", gifBytes(colours, {false, false, false, -1, 1, 2, 16000, 16000}), colours, 0},
       {"tiff rgb strips", tiffBytes(colours, {}, tif), colours, 0},
       {"tiff rgba lzw", tiffBytes(strongAlpha, {PHOTOMETRIC_RGB, 8, true, COMPRESSION_LZW}, tif), strongAlpha, 2},
       {"tiff rgb 16 deflate", tiffBytes(colours, {PHOTOMETRIC_RGB, 16, false, COMPRESSION_ADOBE_DEFLATE}, tif), colours, 0},
