@@ -1,8 +1,8 @@
 #pragma once
 #include <vector>
 
-// Growable array of plain values. Used for the sample points of curves and
-// the data of splines; the indexing of the engine's callers is kept.
+/// Growable array of plain values. Used for the sample points of curves and
+/// the data of splines; the indexing of the engine's callers is kept.
 template <class T>
 class AcArray {
 public:

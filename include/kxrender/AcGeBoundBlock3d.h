@@ -2,10 +2,10 @@
 #include "kxrender/AcGeEntity3d.h"
 #include "kxrender/Export.h"
 
-// Axis-aligned box, the one box type of the engine. A default box is empty:
-// it holds no point, its minimum is +inf and its maximum -inf on every axis,
-// so that the first point it is extended by becomes the whole box. A box
-// with a NaN bound is unusable: isEmpty() is true for it.
+/// Axis-aligned box, the one box type of the engine. A default box is empty:
+/// it holds no point, its minimum is +inf and its maximum -inf on every axis,
+/// so that the first point it is extended by becomes the whole box. A box
+/// with a NaN bound is unusable: isEmpty() is true for it.
 class KXRENDER_API AcGeBoundBlock3d : public AcGeEntity3d {
 public:
   AcGeBoundBlock3d();
@@ -15,12 +15,12 @@ public:
   AcGeEntity3d* copy() const override { return new AcGeBoundBlock3d(*this); }
   bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kBoundBlock3d || AcGeEntity3d::isKindOf(id); }
 
-  // The box spanned by two opposite corners, in any order.
+  /// The box spanned by two opposite corners, in any order.
   AcGeBoundBlock3d& set(const AcGePoint3d& p1, const AcGePoint3d& p2);
-  // Grows the box to hold pnt; a NaN coordinate bounds nothing and is
-  // skipped, while a NaN bound already in the box stays.
+  /// Grows the box to hold pnt; a NaN coordinate bounds nothing and is
+  /// skipped, while a NaN bound already in the box stays.
   AcGeBoundBlock3d& extend(const AcGePoint3d& pnt);
-  // Grows the box to hold other; an empty (or unusable) other adds nothing.
+  /// Grows the box to hold other; an empty (or unusable) other adds nothing.
   AcGeBoundBlock3d& extend(const AcGeBoundBlock3d& other);
   AcGeBoundBlock3d& swell(double distance);
   void getMinMaxPoints(AcGePoint3d& minPoint, AcGePoint3d& maxPoint) const { minPoint = mMin; maxPoint = mMax; }
@@ -28,7 +28,7 @@ public:
   bool contains(const AcGePoint3d& pnt) const;
   bool isDisjoint(const AcGeBoundBlock3d& other) const;
   bool isOn(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const override;
-  // The box of the transformed corners.
+  /// The box of the transformed corners.
   AcGeBoundBlock3d& transformBy(const AcGeMatrix3d& mat) override;
 
 private:

@@ -3,12 +3,12 @@
 #include "kxrender/AcGeVector2d.h"
 #include "kxrender/Export.h"
 
-// Circular arc in the plane. Angles are measured from the reference vector,
-// counter-clockwise, or clockwise for a clockwise arc; the arc runs from
-// startAng to endAng (end above start, at most one turn).
+/// Circular arc in the plane. Angles are measured from the reference vector,
+/// counter-clockwise, or clockwise for a clockwise arc; the arc runs from
+/// startAng to endAng (end above start, at most one turn).
 class KXRENDER_API AcGeCircArc2d : public AcGeCurve2d {
 public:
-  // Unit circle.
+  /// Unit circle.
   AcGeCircArc2d() = default;
   AcGeCircArc2d(const AcGePoint2d& center, double radius, double startAngle, double endAngle,
                 const AcGeVector2d& refVec = AcGeVector2d::kXAxis, bool isClockWise = false) {

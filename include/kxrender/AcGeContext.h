@@ -2,8 +2,8 @@
 #include "kxrender/AcGeTol.h"
 #include "kxrender/Export.h"
 
-// Process-wide geometry settings: the tolerance used wherever a caller has
-// none of its own.
+/// Process-wide geometry settings: the tolerance used wherever a caller has
+/// none of its own.
 class KXRENDER_API AcGeContext {
 public:
   static AcGeTol gTol;

@@ -7,11 +7,11 @@
 
 class AcGeCurve3d;
 
-// The points where two curves meet, within tol.equalPoint. With a non-zero
-// projection direction the curves are compared as seen along it (points are
-// reported on the first curve); the zero vector asks for true 3D meetings.
-// Results are ordered by the first curve's parameter. Overlapping pieces
-// report the meeting points found on them, not the overlap as a range.
+/// The points where two curves meet, within tol.equalPoint. With a non-zero
+/// projection direction the curves are compared as seen along it (points are
+/// reported on the first curve); the zero vector asks for true 3D meetings.
+/// Results are ordered by the first curve's parameter. Overlapping pieces
+/// report the meeting points found on them, not the overlap as a range.
 class KXRENDER_API AcGeCurveCurveInt3d : public AcGeEntity3d {
 public:
   AcGeCurveCurveInt3d() = default;
@@ -33,11 +33,11 @@ public:
   const AcGeCurve3d* curve2() const { return mCurve2; }
   AcGeTol tolerance() const { return mTol; }
   int numIntPoints() const { return static_cast<int>(mPoints.size()); }
-  // An index past the end reads the last point; no points read the origin.
+  /// An index past the end reads the last point; no points read the origin.
   AcGePoint3d intPoint(int index) const;
   void getIntParams(int index, double& param1, double& param2) const;
 
-  // True when pnt is one of the meeting points.
+  /// True when pnt is one of the meeting points.
   bool isOn(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const override;
   AcGeCurveCurveInt3d& transformBy(const AcGeMatrix3d& mat) override;
 

@@ -4,12 +4,12 @@
 
 class AcGeCircArc3d;
 
-// Elliptic arc: C(t) = center + majorRadius * cos t * majorAxis +
-// minorRadius * sin t * minorAxis for startAng <= t <= endAng. The angles
-// are parametric angles, counter-clockwise about majorAxis x minorAxis.
+/// Elliptic arc: C(t) = center + majorRadius * cos t * majorAxis +
+/// minorRadius * sin t * minorAxis for startAng <= t <= endAng. The angles
+/// are parametric angles, counter-clockwise about majorAxis x minorAxis.
 class KXRENDER_API AcGeEllipArc3d : public AcGeCurve3d {
 public:
-  // Unit circle in the XY plane.
+  /// Unit circle in the XY plane.
   AcGeEllipArc3d() = default;
   AcGeEllipArc3d(const AcGePoint3d& center, const AcGeVector3d& majorAxis, const AcGeVector3d& minorAxis,
                  double majorRadius, double minorRadius, double startAngle = 0.0, double endAngle = 2.0 * M_PI) {
@@ -23,7 +23,7 @@ public:
   AcGeEntity3d* copy() const override { return new AcGeEllipArc3d(*this); }
   bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kEllipArc3d || AcGeCurve3d::isKindOf(id); }
 
-  // The minor axis is made perpendicular to the major axis.
+  /// The minor axis is made perpendicular to the major axis.
   AcGeEllipArc3d& set(const AcGePoint3d& center, const AcGeVector3d& majorAxis, const AcGeVector3d& minorAxis,
                       double majorRadius, double minorRadius, double startAngle = 0.0,
                       double endAngle = 2.0 * M_PI);
@@ -46,8 +46,8 @@ public:
   AcGeVector3d evalDeriv(double param) const override;
   int sampleSpans() const override;
   AcGeBoundBlock3d boundBlock() const override;
-  // Exact for the affine maps; the axes are re-derived from the images of
-  // two conjugate half diameters.
+  /// Exact for the affine maps; the axes are re-derived from the images of
+  /// two conjugate half diameters.
   AcGeEllipArc3d& transformBy(const AcGeMatrix3d& mat) override;
 
 private:

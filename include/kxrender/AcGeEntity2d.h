@@ -4,7 +4,7 @@
 #include "kxrender/AcGePoint2d.h"
 #include "kxrender/Export.h"
 
-// Common base of the 2D geometry entities.
+/// Common base of the 2D geometry entities.
 class KXRENDER_API AcGeEntity2d {
 public:
   virtual ~AcGeEntity2d() = default;

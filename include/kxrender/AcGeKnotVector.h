@@ -1,7 +1,7 @@
 #pragma once
 #include "kxrender/AcArray.h"
 
-// Non-decreasing knot values of a spline.
+/// Non-decreasing knot values of a spline.
 class AcGeKnotVector {
 public:
   AcGeKnotVector() = default;

@@ -2,7 +2,7 @@
 #include "kxrender/AcGeLinearEnt2d.h"
 #include "kxrender/Export.h"
 
-// Infinite line in the plane.
+/// Infinite line in the plane.
 class KXRENDER_API AcGeLine2d : public AcGeLinearEnt2d {
 public:
   AcGeLine2d() = default;

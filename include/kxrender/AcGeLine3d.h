@@ -2,10 +2,10 @@
 #include "kxrender/AcGeLinearEnt3d.h"
 #include "kxrender/Export.h"
 
-// Infinite line.
+/// Infinite line.
 class KXRENDER_API AcGeLine3d : public AcGeLinearEnt3d {
 public:
-  // The x axis.
+  /// The x axis.
   AcGeLine3d() = default;
   AcGeLine3d(const AcGePoint3d& pnt, const AcGeVector3d& dir) : AcGeLinearEnt3d(pnt, dir) {}
   AcGeLine3d(const AcGePoint3d& p1, const AcGePoint3d& p2) : AcGeLinearEnt3d(p1, p2 - p1) {}

@@ -2,7 +2,7 @@
 #include "kxrender/AcGeLinearEnt2d.h"
 #include "kxrender/Export.h"
 
-// Bounded segment in the plane; parameter 0 at the start, 1 at the end.
+/// Bounded segment in the plane; parameter 0 at the start, 1 at the end.
 class KXRENDER_API AcGeLineSeg2d : public AcGeLinearEnt2d {
 public:
   AcGeLineSeg2d() = default;

@@ -2,10 +2,10 @@
 #include "kxrender/AcGeLinearEnt3d.h"
 #include "kxrender/Export.h"
 
-// Bounded segment; parameter 0 at the start and 1 at the end.
+/// Bounded segment; parameter 0 at the start and 1 at the end.
 class KXRENDER_API AcGeLineSeg3d : public AcGeLinearEnt3d {
 public:
-  // From the origin to (1, 0, 0).
+  /// From the origin to (1, 0, 0).
   AcGeLineSeg3d() = default;
   AcGeLineSeg3d(const AcGePoint3d& start, const AcGePoint3d& end) : AcGeLinearEnt3d(start, end - start) {}
   AcGeLineSeg3d(const AcGePoint3d& start, const AcGeVector3d& vec) : AcGeLinearEnt3d(start, vec) {}

@@ -5,7 +5,7 @@
 #include "kxrender/AcGeVector2d.h"
 #include "kxrender/Export.h"
 
-// Straight entity in the plane, p(t) = point + t * vector; see the 3D version.
+/// Straight entity in the plane, p(t) = point + t * vector; see the 3D version.
 class KXRENDER_API AcGeLinearEnt2d : public AcGeEntity2d {
 public:
   bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kLinearEnt2d || AcGeEntity2d::isKindOf(id); }
@@ -21,8 +21,8 @@ public:
   double distanceTo(const AcGePoint2d& pnt) const { return closestPointTo(pnt).distanceTo(pnt); }
   bool isOn(const AcGePoint2d& pnt, const AcGeTol& tol = AcGeContext::gTol) const override;
 
-  // Single meeting point within both extents; parallel entities (overlapping
-  // or not) give false.
+  /// Single meeting point within both extents; parallel entities (overlapping
+  /// or not) give false.
   bool intersectWith(const AcGeLinearEnt2d& other, AcGePoint2d& pnt, const AcGeTol& tol = AcGeContext::gTol) const;
 
 protected:

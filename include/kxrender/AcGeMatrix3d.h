@@ -6,8 +6,8 @@
 
 class AcGePlane;
 
-// 4x4 transform, entry[row][col], acting on column vectors: p' = M * p. The
-// translation is column 3, rows 0..2.
+/// 4x4 transform, entry[row][col], acting on column vectors: p' = M * p. The
+/// translation is column 3, rows 0..2.
 class KXRENDER_API AcGeMatrix3d {
 public:
   double entry[4][4];
@@ -29,13 +29,13 @@ public:
   AcGeMatrix3d operator*(const AcGeMatrix3d& m) const;
   AcGeMatrix3d& operator*=(const AcGeMatrix3d& m) { return postMultBy(m); }
   AcGeMatrix3d& setToProduct(const AcGeMatrix3d& a, const AcGeMatrix3d& b) { return *this = a * b; }
-  // this := m * this
+  /// this := m * this
   AcGeMatrix3d& preMultBy(const AcGeMatrix3d& m) { return *this = m * *this; }
-  // this := this * m
+  /// this := this * m
   AcGeMatrix3d& postMultBy(const AcGeMatrix3d& m) { return *this = *this * m; }
 
-  // A singular or non-finite matrix has no inverse: inverse() then gives the
-  // identity and the bool overload reports false, leaving result unchanged.
+  /// A singular or non-finite matrix has no inverse: inverse() then gives the
+  /// identity and the bool overload reports false, leaving result unchanged.
   AcGeMatrix3d inverse() const;
   bool inverse(AcGeMatrix3d& result) const;
   AcGeMatrix3d& invert() { return *this = inverse(); }
@@ -48,11 +48,11 @@ public:
   bool operator==(const AcGeMatrix3d& m) const { return isEqualTo(m); }
   bool operator!=(const AcGeMatrix3d& m) const { return !isEqualTo(m); }
 
-  // Largest scale factor of the 3x3 part: the longest image of a unit axis.
+  /// Largest scale factor of the 3x3 part: the longest image of a unit axis.
   double scale() const;
 
   AcGeVector3d translation() const { return AcGeVector3d(entry[0][3], entry[1][3], entry[2][3]); }
-  // Sets the translation column, keeping the 3x3 part.
+  /// Sets the translation column, keeping the 3x3 part.
   AcGeMatrix3d& setTranslation(const AcGeVector3d& v) {
     entry[0][3] = v.x; entry[1][3] = v.y; entry[2][3] = v.z;
     return *this;
@@ -60,7 +60,7 @@ public:
   AcGeMatrix3d& setToTranslation(const AcGeVector3d& v) { setToIdentity(); return setTranslation(v); }
   static AcGeMatrix3d translation(const AcGeVector3d& v) { AcGeMatrix3d m; return m.setToTranslation(v); }
 
-  // Rotation by ang radians about the axis through center, right-hand rule.
+  /// Rotation by ang radians about the axis through center, right-hand rule.
   AcGeMatrix3d& setToRotation(double ang, const AcGeVector3d& axis, const AcGePoint3d& center = AcGePoint3d::kOrigin);
   static AcGeMatrix3d rotation(double ang, const AcGeVector3d& axis, const AcGePoint3d& center = AcGePoint3d::kOrigin);
   AcGeMatrix3d& setToScaling(double factor, const AcGePoint3d& center = AcGePoint3d::kOrigin);
@@ -69,13 +69,13 @@ public:
   AcGeMatrix3d& setToMirroring(const AcGePoint3d& center);
   static AcGeMatrix3d mirroring(const AcGePlane& plane);
 
-  // Columns are the axes, the last column the origin: maps local to world.
+  /// Columns are the axes, the last column the origin: maps local to world.
   AcGeMatrix3d& setCoordSystem(const AcGePoint3d& origin, const AcGeVector3d& xAxis,
                                const AcGeVector3d& yAxis, const AcGeVector3d& zAxis);
   void getCoordSystem(AcGePoint3d& origin, AcGeVector3d& xAxis, AcGeVector3d& yAxis, AcGeVector3d& zAxis) const;
 
-  // World coordinates into the plane's own system (plane origin to the world
-  // origin, plane normal to +z) and back.
+  /// World coordinates into the plane's own system (plane origin to the world
+  /// origin, plane normal to +z) and back.
   AcGeMatrix3d& setToWorldToPlane(const AcGePlane& plane);
   AcGeMatrix3d& setToWorldToPlane(const AcGeVector3d& normal);
   AcGeMatrix3d& setToPlaneToWorld(const AcGePlane& plane);
@@ -85,8 +85,8 @@ public:
   static AcGeMatrix3d planeToWorld(const AcGePlane& plane);
   static AcGeMatrix3d planeToWorld(const AcGeVector3d& normal);
 
-  // Maps the "from" frame onto the "to" frame: fromOrigin to toOrigin and
-  // each from axis onto the corresponding to axis.
+  /// Maps the "from" frame onto the "to" frame: fromOrigin to toOrigin and
+  /// each from axis onto the corresponding to axis.
   AcGeMatrix3d& setToAlignCoordSys(const AcGePoint3d& fromOrigin, const AcGeVector3d& fromXAxis,
                                    const AcGeVector3d& fromYAxis, const AcGeVector3d& fromZAxis,
                                    const AcGePoint3d& toOrigin, const AcGeVector3d& toXAxis,

@@ -2,11 +2,11 @@
 #include "kxrender/AcGeSplineEnt3d.h"
 #include "kxrender/Export.h"
 
-// Non-uniform rational B-spline. Defined by degree, knots, control points
-// and optional weights (all positive), or by fit points that a cubic is made
-// to pass through. The parameter runs from knot[degree] to
-// knot[numControlPoints]. Inconsistent data makes an empty curve: no start,
-// no end, no interval (isValid() false).
+/// Non-uniform rational B-spline. Defined by degree, knots, control points
+/// and optional weights (all positive), or by fit points that a cubic is made
+/// to pass through. The parameter runs from knot[degree] to
+/// knot[numControlPoints]. Inconsistent data makes an empty curve: no start,
+/// no end, no interval (isValid() false).
 class KXRENDER_API AcGeNurbCurve3d : public AcGeSplineEnt3d {
 public:
   static const int kMaxDegree = 25;
@@ -16,9 +16,9 @@ public:
                   bool isPeriodic = false);
   AcGeNurbCurve3d(int degree, const AcGeKnotVector& knots, const AcGePoint3dArray& controlPoints,
                   const AcGeDoubleArray& weights, bool isPeriodic = false);
-  // Cubic through the fit points (consecutive duplicates dropped), with
-  // chord-length parameters. An undefined end tangent is taken from the
-  // parabola through the first (last) three points.
+  /// Cubic through the fit points (consecutive duplicates dropped), with
+  /// chord-length parameters. An undefined end tangent is taken from the
+  /// parabola through the first (last) three points.
   AcGeNurbCurve3d(const AcGePoint3dArray& fitPoints, const AcGeVector3d& startTangent,
                   const AcGeVector3d& endTangent, bool startTangentDefined = true, bool endTangentDefined = true,
                   const AcGeTol& fitTolerance = AcGeContext::gTol);
@@ -39,7 +39,7 @@ public:
   const AcGeKnotVector& knots() const { return mKnots; }
   bool isRational() const override { return !mWeights.isEmpty(); }
   int numWeights() const { return mWeights.length(); }
-  // 1 for a non-rational curve.
+  /// 1 for a non-rational curve.
   double weightAt(int index) const;
 
   bool hasFitData() const override { return mHasFitData; }
@@ -51,7 +51,7 @@ public:
   AcGePoint3d evalPoint(double param) const override;
   AcGeVector3d evalDeriv(double param) const override;
   int sampleSpans() const override;
-  // Box of the control points: the curve lies in their convex hull.
+  /// Box of the control points: the curve lies in their convex hull.
   AcGeBoundBlock3d boundBlock() const override;
   AcGeNurbCurve3d& transformBy(const AcGeMatrix3d& mat) override;
 
@@ -59,7 +59,7 @@ private:
   void validate();
   void interpolate(const AcGePoint3dArray& fitPoints, const AcGeVector3d& startTangent,
                    const AcGeVector3d& endTangent, bool startDefined, bool endDefined);
-  // Point and first derivative at param.
+  /// Point and first derivative at param.
   void evaluate(double param, AcGePoint3d& pnt, AcGeVector3d* deriv) const;
 
   int mDegree = 0;

@@ -5,7 +5,7 @@
 #include "kxrender/AcGeVector2d.h"
 #include "kxrender/Export.h"
 
-// Position in the plane.
+/// Position in the plane.
 class KXRENDER_API AcGePoint2d {
 public:
   double x = 0.0;

@@ -8,8 +8,8 @@
 class AcGeMatrix3d;
 class AcGePlane;
 
-// Position in space. Exactly three contiguous doubles: arrays of points are
-// handed to OpenGL as flat coordinate arrays.
+/// Position in space. Exactly three contiguous doubles: arrays of points are
+/// handed to OpenGL as flat coordinate arrays.
 class KXRENDER_API AcGePoint3d {
 public:
   double x = 0.0;
@@ -32,9 +32,9 @@ public:
     return distanceTo(p) <= tol.equalPoint();
   }
 
-  // p := M * p with w = 1.
+  /// p := M * p with w = 1.
   AcGePoint3d& transformBy(const AcGeMatrix3d& mat);
-  // p := origin + factor * (p - origin).
+  /// p := origin + factor * (p - origin).
   AcGePoint3d& scaleBy(double factor, const AcGePoint3d& origin = kOrigin) {
     x = origin.x + factor * (x - origin.x);
     y = origin.y + factor * (y - origin.y);
@@ -42,10 +42,10 @@ public:
     return *this;
   }
   AcGePoint3d& rotateBy(double ang, const AcGeVector3d& axis, const AcGePoint3d& center = kOrigin);
-  // Parallel projection along dir onto the plane. When dir is parallel to the
-  // plane (or zero) there is no such point and the point itself is returned.
+  /// Parallel projection along dir onto the plane. When dir is parallel to the
+  /// plane (or zero) there is no such point and the point itself is returned.
   AcGePoint3d project(const AcGePlane& plane, const AcGeVector3d& dir) const;
-  // Foot of the perpendicular on the plane.
+  /// Foot of the perpendicular on the plane.
   AcGePoint3d orthoProject(const AcGePlane& plane) const;
 
   AcGePoint3d operator+(const AcGeVector3d& v) const { return AcGePoint3d(x + v.x, y + v.y, z + v.z); }

@@ -2,7 +2,7 @@
 #include "kxrender/AcGeEntity3d.h"
 #include "kxrender/Export.h"
 
-// Base of the point entities.
+/// Base of the point entities.
 class KXRENDER_API AcGePointEnt3d : public AcGeEntity3d {
 public:
   bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kPointEnt3d || AcGeEntity3d::isKindOf(id); }

@@ -4,8 +4,8 @@
 
 class AcGeCurve3d;
 
-// A parameter on a curve and the point there. The curve is not owned; the
-// point is kept so that it stays readable after the curve is gone.
+/// A parameter on a curve and the point there. The curve is not owned; the
+/// point is kept so that it stays readable after the curve is gone.
 class KXRENDER_API AcGePointOnCurve3d : public AcGePointEnt3d {
 public:
   AcGePointOnCurve3d() = default;
@@ -23,9 +23,9 @@ public:
   AcGePoint3d point3d() const override { return mPoint; }
 
   AcGePointOnCurve3d& setCurve(const AcGeCurve3d& curve) { mCurve = &curve; return *this; }
-  // Sets the parameter and evaluates the curve there (when one is set).
+  /// Sets the parameter and evaluates the curve there (when one is set).
   AcGePointOnCurve3d& setParameter(double param);
-  // Sets all three at once, without evaluating.
+  /// Sets all three at once, without evaluating.
   AcGePointOnCurve3d& set(const AcGeCurve3d* curve, double param, const AcGePoint3d& pnt) {
     mCurve = curve;
     mParam = param;

@@ -2,7 +2,7 @@
 #include "kxrender/AcGeLinearEnt2d.h"
 #include "kxrender/Export.h"
 
-// Half line in the plane.
+/// Half line in the plane.
 class KXRENDER_API AcGeRay2d : public AcGeLinearEnt2d {
 public:
   AcGeRay2d() = default;

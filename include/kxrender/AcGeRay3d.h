@@ -2,7 +2,7 @@
 #include "kxrender/AcGeLinearEnt3d.h"
 #include "kxrender/Export.h"
 
-// Half line from an origin along a direction.
+/// Half line from an origin along a direction.
 class KXRENDER_API AcGeRay3d : public AcGeLinearEnt3d {
 public:
   AcGeRay3d() = default;

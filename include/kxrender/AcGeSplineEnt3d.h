@@ -3,7 +3,7 @@
 #include "kxrender/AcGeKnotVector.h"
 #include "kxrender/Export.h"
 
-// Base of the spline curves: degree, control points, knots, fit data.
+/// Base of the spline curves: degree, control points, knots, fit data.
 class KXRENDER_API AcGeSplineEnt3d : public AcGeCurve3d {
 public:
   bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kSplineEnt3d || AcGeCurve3d::isKindOf(id); }

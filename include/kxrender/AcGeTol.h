@@ -1,9 +1,9 @@
 #pragma once
 #include "kxrender/Export.h"
 
-// Distance tolerance for points and for vectors. Points are equal when their
-// distance is at most equalPoint; vectors when their difference is at most
-// equalVector long.
+/// Distance tolerance for points and for vectors. Points are equal when their
+/// distance is at most equalPoint; vectors when their difference is at most
+/// equalVector long.
 class KXRENDER_API AcGeTol {
 public:
   constexpr AcGeTol() = default;

@@ -4,7 +4,7 @@
 #include "kxrender/AcGeContext.h"
 #include "kxrender/Export.h"
 
-// Direction and displacement in the plane.
+/// Direction and displacement in the plane.
 class KXRENDER_API AcGeVector2d {
 public:
   double x = 0.0;
@@ -22,17 +22,17 @@ public:
   double length() const { return std::sqrt(x * x + y * y); }
   double lengthSqrd() const { return x * x + y * y; }
   double dotProduct(const AcGeVector2d& v) const { return x * v.x + y * v.y; }
-  // z component of the 3D cross product: positive when v lies counter-clockwise.
+  /// z component of the 3D cross product: positive when v lies counter-clockwise.
   double crossProduct(const AcGeVector2d& v) const { return x * v.y - y * v.x; }
 
-  // Counter-clockwise angle from the positive x axis, in [0, 2*pi).
+  /// Counter-clockwise angle from the positive x axis, in [0, 2*pi).
   double angle() const {
     double a = std::atan2(y, x);
     if (a < 0.0) a += 2.0 * M_PI;
     if (a >= 2.0 * M_PI) a = 0.0;
     return a;
   }
-  // Unsigned angle between the two vectors, in [0, pi].
+  /// Unsigned angle between the two vectors, in [0, pi].
   double angleTo(const AcGeVector2d& v) const {
     return std::atan2(std::fabs(crossProduct(v)), dotProduct(v));
   }

@@ -6,7 +6,7 @@
 
 class AcGeMatrix3d;
 
-// Direction and displacement in space.
+/// Direction and displacement in space.
 class KXRENDER_API AcGeVector3d {
 public:
   double x = 0.0;
@@ -16,7 +16,7 @@ public:
   constexpr AcGeVector3d() = default;
   constexpr AcGeVector3d(double xx, double yy, double zz) : x(xx), y(yy), z(zz) {}
 
-  // kIdentity is the zero vector: callers pass it as "no direction".
+  /// kIdentity is the zero vector: callers pass it as "no direction".
   static const AcGeVector3d kIdentity;
   static const AcGeVector3d kXAxis;
   static const AcGeVector3d kYAxis;
@@ -27,33 +27,33 @@ public:
   double length() const { return std::sqrt(x * x + y * y + z * z); }
   double lengthSqrd() const { return x * x + y * y + z * z; }
   double dotProduct(const AcGeVector3d& v) const { return x * v.x + y * v.y + z * v.z; }
-  // Right-handed: this x v.
+  /// Right-handed: this x v.
   AcGeVector3d crossProduct(const AcGeVector3d& v) const {
     return AcGeVector3d(y * v.z - z * v.y, z * v.x - x * v.z, x * v.y - y * v.x);
   }
-  // Unsigned angle in [0, pi]; atan2 keeps small and near-pi angles accurate.
+  /// Unsigned angle in [0, pi]; atan2 keeps small and near-pi angles accurate.
   double angleTo(const AcGeVector3d& v) const {
     return std::atan2(crossProduct(v).length(), dotProduct(v));
   }
-  // Angle from this to v counter-clockwise about reference, in [0, 2*pi).
+  /// Angle from this to v counter-clockwise about reference, in [0, 2*pi).
   double angleTo(const AcGeVector3d& v, const AcGeVector3d& reference) const {
     double a = angleTo(v);
     if (crossProduct(v).dotProduct(reference) < 0.0) a = 2.0 * M_PI - a;
     return a >= 2.0 * M_PI ? 0.0 : a;
   }
 
-  // Unit vector in the same direction; a vector no longer than equalVector
-  // (or not finite) gives the zero vector.
+  /// Unit vector in the same direction; a vector no longer than equalVector
+  /// (or not finite) gives the zero vector.
   AcGeVector3d normal(const AcGeTol& tol = AcGeContext::gTol) const;
   AcGeVector3d& normalize(const AcGeTol& tol = AcGeContext::gTol) { return *this = normal(tol); }
   AcGeVector3d& negate() { x = -x; y = -y; z = -z; return *this; }
-  // Some unit vector perpendicular to this one (zero for the zero vector).
+  /// Some unit vector perpendicular to this one (zero for the zero vector).
   AcGeVector3d perpVector() const;
 
-  // Rotation by ang radians about axis, right-hand rule. A zero axis leaves
-  // the vector unchanged.
+  /// Rotation by ang radians about axis, right-hand rule. A zero axis leaves
+  /// the vector unchanged.
   AcGeVector3d& rotateBy(double ang, const AcGeVector3d& axis);
-  // Applies the linear 3x3 part of the matrix; translation is ignored.
+  /// Applies the linear 3x3 part of the matrix; translation is ignored.
   AcGeVector3d& transformBy(const AcGeMatrix3d& mat);
 
   bool isZeroLength(const AcGeTol& tol = AcGeContext::gTol) const { return length() <= tol.equalVector(); }

@@ -16,9 +16,9 @@ class KXRENDER_API CArchiveException : public std::exception {
   enum Cause {
     none,
     genericException,
-    readOnly,   // storing into an archive that is loading
-    endOfFile,  // reading past the end
-    writeOnly,  // loading from an archive that is storing
+    readOnly,   ///< storing into an archive that is loading
+    endOfFile,  ///< reading past the end
+    writeOnly,  ///< loading from an archive that is storing
     badIndex,
     badClass,
     badSchema
@@ -44,7 +44,7 @@ class KXRENDER_API CArchive {
   void Close() { Flush(); }
 
   void Write(const void* data, UINT count);
-  // Reads up to count bytes; returns how many there were.
+  /// Reads up to count bytes; returns how many there were.
   UINT Read(void* data, UINT count);
 
   CArchive& operator<<(BYTE v) { return put(&v, 1); }
@@ -72,12 +72,12 @@ class KXRENDER_API CArchive {
   CArchive& operator>>(double& v);
 
   void WriteObject(const CObject* object);
-  // Reads an object written by WriteObject; a requested class the object is
-  // not derived from raises badClass. Objects read are owned by the caller.
+  /// Reads an object written by WriteObject; a requested class the object is
+  /// not derived from raises badClass. Objects read are owned by the caller.
   CObject* ReadObject(const CRuntimeClass* requested);
   void WriteClass(const CRuntimeClass* cls);
-  // Reads a class reference; when an object reference is found instead, its
-  // index goes to *objectTag (or badIndex is raised when none is wanted).
+  /// Reads a class reference; when an object reference is found instead, its
+  /// index goes to *objectTag (or badIndex is raised when none is wanted).
   const CRuntimeClass* ReadClass(const CRuntimeClass* requested, UINT* schema, DWORD* objectTag);
 
   friend CArchive& operator<<(CArchive& ar, const CObject* object) {
@@ -110,7 +110,7 @@ class KXRENDER_API CArchive {
 
   CFile* m_file;
   UINT m_mode;
-  // Index 0 stands for null; classes and objects share one numbering.
+  /// Index 0 stands for null; classes and objects share one numbering.
   DWORD m_mapCount = 1;
   std::map<const void*, DWORD> m_storeMap;
   struct LoadEntry {

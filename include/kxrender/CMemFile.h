@@ -3,8 +3,8 @@
 
 #include "kxrender/CFile.h"
 
-// A file in memory: writes append to a growable buffer, reads consume it
-// from the start (or from data given to the constructor).
+/// A file in memory: writes append to a growable buffer, reads consume it
+/// from the start (or from data given to the constructor).
 class KXRENDER_API CMemFile : public CFile {
  public:
   CMemFile() = default;

@@ -14,21 +14,21 @@ class CObject;
 struct KXRENDER_API CRuntimeClass {
   const char* m_lpszClassName;
   int m_nObjectSize;
-  UINT m_wSchema;  // 0xFFFF: not serialisable
+  UINT m_wSchema;  ///< 0xFFFF: not serialisable
   CObject* (*m_pfnCreateObject)();
   const CRuntimeClass* m_pBaseClass;
 
   CObject* CreateObject() const;
   bool IsDerivedFrom(const CRuntimeClass* base) const;
-  // Registered classes by name; null when unknown.
+  /// Registered classes by name; null when unknown.
   static const CRuntimeClass* FromName(const char* className);
   static CObject* CreateObject(const char* className);
   static void Register(const CRuntimeClass* cls);
 
-  // Archive form of a class reference: schema (16 bits), name length (16
-  // bits), then the name's bytes.
+  /// Archive form of a class reference: schema (16 bits), name length (16
+  /// bits), then the name's bytes.
   void Store(CArchive& ar) const;
-  // Reads that form; null when the name is too long or unknown.
+  /// Reads that form; null when the name is too long or unknown.
   static const CRuntimeClass* Load(CArchive& ar, UINT* schema);
 };
 

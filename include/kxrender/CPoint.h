@@ -1,7 +1,7 @@
 #pragma once
 #include "kxrender/Win32Types.h"
 
-// A window pixel position: origin at the top left, y down.
+/// A window pixel position: origin at the top left, y down.
 class CPoint : public POINT {
  public:
   CPoint() : POINT{0, 0} {}

@@ -2,7 +2,7 @@
 #include "kxrender/CPoint.h"
 #include "kxrender/CSize.h"
 
-// A window rectangle; right and bottom lie just outside it, as on Windows.
+/// A window rectangle; right and bottom lie just outside it, as on Windows.
 class CRect : public RECT {
  public:
   CRect() : RECT{0, 0, 0, 0} {}
@@ -19,7 +19,7 @@ class CRect : public RECT {
   CPoint CenterPoint() const { return CPoint((left + right) / 2, (top + bottom) / 2); }
   bool IsRectEmpty() const { return Width() <= 0 || Height() <= 0; }
   bool IsRectNull() const { return left == 0 && top == 0 && right == 0 && bottom == 0; }
-  // Inside means left <= x < right and top <= y < bottom.
+  /// Inside means left <= x < right and top <= y < bottom.
   bool PtInRect(const POINT& p) const { return p.x >= left && p.x < right && p.y >= top && p.y < bottom; }
   void SetRect(int l, int t, int r, int b) { *this = CRect(l, t, r, b); }
   void SetRectEmpty() { *this = CRect(); }

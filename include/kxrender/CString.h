@@ -27,7 +27,7 @@ class KXRENDER_API CString {
   const std::string& str() const { return m_s; }
 
   int Compare(const char* s) const;
-  int CompareNoCase(const char* s) const;  // ASCII letters folded
+  int CompareNoCase(const char* s) const;  ///< ASCII letters folded
 
   int Find(char ch, int start = 0) const;
   int Find(const char* sub, int start = 0) const;
@@ -83,8 +83,8 @@ class KXRENDER_API CString {
   friend bool operator!=(const CString& a, const char* b) { return a.Compare(b) != 0; }
   friend bool operator<(const CString& a, const CString& b) { return a.m_s < b.m_s; }
 
-  // Archive form: a length prefix (byte; 0xFF then 16 bits; 0xFF 0xFFFF then
-  // 32 bits) followed by the bytes.
+  /// Archive form: a length prefix (byte; 0xFF then 16 bits; 0xFF 0xFFFF then
+  /// 32 bits) followed by the bytes.
   friend KXRENDER_API CArchive& operator<<(CArchive& ar, const CString& s);
   friend KXRENDER_API CArchive& operator>>(CArchive& ar, CString& s);
 

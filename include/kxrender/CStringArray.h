@@ -3,7 +3,7 @@
 
 #include "kxrender/CString.h"
 
-// Growable array of strings.
+/// Growable array of strings.
 class KXRENDER_API CStringArray {
  public:
   int GetSize() const { return static_cast<int>(m_items.size()); }

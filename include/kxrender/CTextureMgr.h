@@ -1,8 +1,8 @@
 #pragma once
 #include "kxrender/Export.h"
 
-// The scene's textures, loaded from image files named by the host.
+/// The scene's textures, loaded from image files named by the host.
 class KXRENDER_API CTextureMgr {
  public:
-  CTextureMgr() = default;
+  CTextureMgr() = default;  ///< No textures.
 };
