@@ -15,7 +15,8 @@ class KXRENDER_API CColor : public CObject {
   CColor(unsigned char red, unsigned char green, unsigned char blue, unsigned char alpha)
       : r(red), g(green), b(blue), a(alpha) {}
   CColor(const CColor& o) : CObject(), r(o.r), g(o.g), b(o.b), a(o.a) {}  ///< A copy.
-  CColor& operator=(const CColor& o) {  ///< Copies the four channels.
+  /// Copies the four channels.
+  CColor& operator=(const CColor& o) {
     if (this != &o) set(o.r, o.g, o.b, o.a);
     return *this;
   }

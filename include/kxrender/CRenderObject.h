@@ -175,10 +175,10 @@ class KXRENDER_API CRenderObject {
   bool renderedFlag1() const { return m_renderedFlag1; }
   bool renderedFlag2() const { return m_renderedFlag2; }
   void setRenderedFlags(bool a, bool b) {
-  ///@}
     m_renderedFlag1 = a;
     m_renderedFlag2 = b;
   }
+  ///@}
 
   // ---- levels of detail ----
   /// Levels of detail: setLodLevel(n) makes n levels (empty shapes, count 0,
