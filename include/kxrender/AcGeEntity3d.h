@@ -12,17 +12,20 @@ class KXRENDER_API AcGeEntity3d {
 public:
   virtual ~AcGeEntity3d() = default;
 
-  virtual AcGe::EntityId type() const = 0;
+  virtual AcGe::EntityId type() const = 0;  ///< The entity's kind.
   /// True when this entity is of kind id or derives from it.
   virtual bool isKindOf(AcGe::EntityId id) const { return id == AcGe::kEntity3d; }
-  virtual AcGeEntity3d& transformBy(const AcGeMatrix3d& mat) = 0;
+  virtual AcGeEntity3d& transformBy(const AcGeMatrix3d& mat) = 0;  ///< Applies mat to the entity in place; returns it.
   /// A heap copy of the same kind; the caller owns it.
   virtual AcGeEntity3d* copy() const = 0;
   /// The point lies on the entity within tol.equalPoint.
   virtual bool isOn(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const = 0;
 
 protected:
+  ///@{
+  /// Only derived entities are created and copied.
   AcGeEntity3d() = default;
   AcGeEntity3d(const AcGeEntity3d&) = default;
   AcGeEntity3d& operator=(const AcGeEntity3d&) = default;
+  ///@}
 };

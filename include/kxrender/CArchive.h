@@ -23,7 +23,8 @@ class KXRENDER_API CArchiveException : public std::exception {
     writeOnly,  ///< loading from an archive that is storing
     badIndex,  ///< a class or object reference to nothing read yet
     badClass,  ///< an object of another class than requested
-    badSchema  ///< a schema the class does not accept
+    /// a schema the class does not accept
+    badSchema
   };
   explicit CArchiveException(Cause cause) : m_cause(cause) {}  ///< An exception for cause.
   const char* what() const noexcept override;  ///< A short English description of the cause.

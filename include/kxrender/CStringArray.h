@@ -13,7 +13,8 @@ class KXRENDER_API CStringArray {
   bool IsEmpty() const { return m_items.empty(); }
   int GetUpperBound() const { return GetSize() - 1; }
   ///@}
-  int Add(const CString& s) {  ///< Appends s; returns its index.
+  /// Appends s; returns its index.
+  int Add(const CString& s) {
     m_items.push_back(s);
     return GetUpperBound();
   }
