@@ -6,5 +6,5 @@
 /// none of its own.
 class KXRENDER_API AcGeContext {
 public:
-  static AcGeTol gTol;
+  static AcGeTol gTol;  ///< The default tolerance; changing it changes every call that takes none.
 };

@@ -19,7 +19,7 @@ public:
 
   /// Parameter range; unbounded ends are +-infinity.
   virtual void getInterval(double& lower, double& upper) const = 0;
-  virtual AcGePoint3d evalPoint(double param) const = 0;
+  virtual AcGePoint3d evalPoint(double param) const = 0;  ///< The curve point at param.
   /// dC/dt at param.
   virtual AcGeVector3d evalDeriv(double param) const = 0;
   /// How many equal pieces of the parameter range the numerical searches
@@ -38,18 +38,24 @@ public:
   virtual double paramAtLength(double fromParam, double length, bool forward = true,
                                const AcGeTol& tol = AcGeContext::gTol) const;
 
+  ///@{
+  /// The point at the lower (upper) end of the interval; false, pnt untouched,
+  /// when that end is unbounded.
   bool hasStartPoint(AcGePoint3d& pnt) const;
   bool hasEndPoint(AcGePoint3d& pnt) const;
-  bool isClosed(const AcGeTol& tol = AcGeContext::gTol) const;
+  ///@}
+  bool isClosed(const AcGeTol& tol = AcGeContext::gTol) const;  ///< Bounded, with start and end points equal within tol.
 
+  /// Distance from pnt to the nearest curve point.
   double distanceTo(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const {
     return closestPointTo(pnt, tol).distanceTo(pnt);
   }
-  AcGePoint3d closestPointTo(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const;
+  AcGePoint3d closestPointTo(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const;  ///< The curve point nearest pnt.
   /// Nearest pair of points of two curves: this curve's point is returned,
   /// the other curve's is stored in pntOnOther.
   AcGePoint3d closestPointTo(const AcGeCurve3d& other, AcGePoint3d& pntOnOther,
                              const AcGeTol& tol = AcGeContext::gTol) const;
+  /// The nearest curve point, as point and parameter on this curve.
   void getClosestPointTo(const AcGePoint3d& pnt, AcGePointOnCurve3d& pntOnCrv,
                          const AcGeTol& tol = AcGeContext::gTol) const;
   /// Foot of a perpendicular from pnt onto the curve within its extent. When
@@ -71,10 +77,13 @@ public:
   /// (within the extent, where the curve has a tangent). Curves with closed
   /// forms override these.
   virtual double closestParamTo(const AcGePoint3d& pnt) const;
-  virtual void normalParams(const AcGePoint3d& pnt, std::vector<double>& params) const;
+  virtual void normalParams(const AcGePoint3d& pnt, std::vector<double>& params) const;  ///< See closestParamTo.
 
 protected:
+  ///@{
+  /// Only derived curves are created and copied.
   AcGeCurve3d() = default;
   AcGeCurve3d(const AcGeCurve3d&) = default;
   AcGeCurve3d& operator=(const AcGeCurve3d&) = default;
+  ///@}
 };

@@ -10,7 +10,7 @@ class AcGeMatrix3d;
 /// Entities hold their data by value; the virtual interface needs no heap.
 class KXRENDER_API AcGeEntity3d {
 public:
-  virtual ~AcGeEntity3d() = default;
+  virtual ~AcGeEntity3d() = default;  ///< Entities are deleted through the base.
 
   virtual AcGe::EntityId type() const = 0;  ///< The entity's kind.
   /// True when this entity is of kind id or derives from it.
