@@ -9,7 +9,7 @@
 class KXRENDER_API AcGeBoundBlock3d : public AcGeEntity3d {
 public:
   AcGeBoundBlock3d();
-  AcGeBoundBlock3d(const AcGePoint3d& p1, const AcGePoint3d& p2) { set(p1, p2); }
+  AcGeBoundBlock3d(const AcGePoint3d& p1, const AcGePoint3d& p2) { set(p1, p2); }  ///< The box spanned by two opposite corners, in either order.
 
   AcGe::EntityId type() const override { return AcGe::kBoundBlock3d; }
   AcGeEntity3d* copy() const override { return new AcGeBoundBlock3d(*this); }
@@ -22,11 +22,11 @@ public:
   AcGeBoundBlock3d& extend(const AcGePoint3d& pnt);
   /// Grows the box to hold other; an empty (or unusable) other adds nothing.
   AcGeBoundBlock3d& extend(const AcGeBoundBlock3d& other);
-  AcGeBoundBlock3d& swell(double distance);
-  void getMinMaxPoints(AcGePoint3d& minPoint, AcGePoint3d& maxPoint) const { minPoint = mMin; maxPoint = mMax; }
-  bool isEmpty() const { return !(mMin.x <= mMax.x && mMin.y <= mMax.y && mMin.z <= mMax.z); }
-  bool contains(const AcGePoint3d& pnt) const;
-  bool isDisjoint(const AcGeBoundBlock3d& other) const;
+  AcGeBoundBlock3d& swell(double distance);  ///< Grows the box by distance on every side.
+  void getMinMaxPoints(AcGePoint3d& minPoint, AcGePoint3d& maxPoint) const { minPoint = mMin; maxPoint = mMax; }  ///< The lower and upper corners.
+  bool isEmpty() const { return !(mMin.x <= mMax.x && mMin.y <= mMax.y && mMin.z <= mMax.z); }  ///< True for a box with a lower corner above its upper one on some axis.
+  bool contains(const AcGePoint3d& pnt) const;  ///< True when pnt lies in the box or on its faces.
+  bool isDisjoint(const AcGeBoundBlock3d& other) const;  ///< True when the boxes share no point.
   bool isOn(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const override;
   /// The box of the transformed corners.
   AcGeBoundBlock3d& transformBy(const AcGeMatrix3d& mat) override;

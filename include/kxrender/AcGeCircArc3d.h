@@ -12,28 +12,37 @@ public:
   AcGeCircArc3d() = default;
   /// Full circle; the reference vector follows the arbitrary axis rule.
   AcGeCircArc3d(const AcGePoint3d& center, const AcGeVector3d& normal, double radius) { set(center, normal, radius); }
+  /// An arc about center in the plane with this normal, angles (radians)
+  /// measured counter-clockwise from refVec.
   AcGeCircArc3d(const AcGePoint3d& center, const AcGeVector3d& normal, const AcGeVector3d& refVec, double radius,
                 double startAngle, double endAngle) {
     set(center, normal, refVec, radius, startAngle, endAngle);
   }
   /// Arc from start through mid to end.
   AcGeCircArc3d(const AcGePoint3d& start, const AcGePoint3d& mid, const AcGePoint3d& end) { set(start, mid, end); }
+  ///@{
+  /// Copies.
   AcGeCircArc3d(const AcGeCircArc3d&) = default;
   AcGeCircArc3d& operator=(const AcGeCircArc3d&) = default;
+  ///@}
 
   AcGe::EntityId type() const override { return AcGe::kCircArc3d; }
   AcGeEntity3d* copy() const override { return new AcGeCircArc3d(*this); }
   bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kCircArc3d || AcGeCurve3d::isKindOf(id); }
 
+  /// A full circle, or an arc as the constructor makes it.
   AcGeCircArc3d& set(const AcGePoint3d& center, const AcGeVector3d& normal, double radius);
+  /// See the constructor.
   AcGeCircArc3d& set(const AcGePoint3d& center, const AcGeVector3d& normal, const AcGeVector3d& refVec,
                      double radius, double startAngle, double endAngle);
   /// Three points on a line (or coincident) leave a zero-radius arc at start.
   AcGeCircArc3d& set(const AcGePoint3d& start, const AcGePoint3d& mid, const AcGePoint3d& end);
-  AcGeCircArc3d& setRadius(double radius) { mRadius = radius; return *this; }
+  AcGeCircArc3d& setRadius(double radius) { mRadius = radius; return *this; }  ///< Sets the radius.
   /// End is brought above start by whole turns; at most one full turn.
   AcGeCircArc3d& setAngles(double startAngle, double endAngle);
 
+  ///@{
+  /// Centre, plane normal, reference vector, radius, angles (radians) and end points.
   AcGePoint3d center() const { return mCenter; }
   AcGeVector3d normal() const { return mNormal; }
   AcGeVector3d refVec() const { return mRefVec; }
@@ -42,6 +51,7 @@ public:
   double endAng() const { return mEndAng; }
   AcGePoint3d startPoint() const { return evalPoint(mStartAng); }
   AcGePoint3d endPoint() const { return evalPoint(mEndAng); }
+  ///@}
 
   /// Meeting points of a line, ray or segment with the arc: count 0, 1 (a
   /// tangent, or a line crossing the arc's plane) or 2.

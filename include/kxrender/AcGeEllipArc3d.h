@@ -11,13 +11,18 @@ class KXRENDER_API AcGeEllipArc3d : public AcGeCurve3d {
 public:
   /// Unit circle in the XY plane.
   AcGeEllipArc3d() = default;
+  /// An arc of the ellipse with these axes (unit vectors) and radii, between
+  /// the parametric angles.
   AcGeEllipArc3d(const AcGePoint3d& center, const AcGeVector3d& majorAxis, const AcGeVector3d& minorAxis,
                  double majorRadius, double minorRadius, double startAngle = 0.0, double endAngle = 2.0 * M_PI) {
     set(center, majorAxis, minorAxis, majorRadius, minorRadius, startAngle, endAngle);
   }
-  explicit AcGeEllipArc3d(const AcGeCircArc3d& arc) { set(arc); }
+  explicit AcGeEllipArc3d(const AcGeCircArc3d& arc) { set(arc); }  ///< The same curve as a circular arc.
+  ///@{
+  /// Copies.
   AcGeEllipArc3d(const AcGeEllipArc3d&) = default;
   AcGeEllipArc3d& operator=(const AcGeEllipArc3d&) = default;
+  ///@}
 
   AcGe::EntityId type() const override { return AcGe::kEllipArc3d; }
   AcGeEntity3d* copy() const override { return new AcGeEllipArc3d(*this); }
@@ -27,9 +32,11 @@ public:
   AcGeEllipArc3d& set(const AcGePoint3d& center, const AcGeVector3d& majorAxis, const AcGeVector3d& minorAxis,
                       double majorRadius, double minorRadius, double startAngle = 0.0,
                       double endAngle = 2.0 * M_PI);
-  AcGeEllipArc3d& set(const AcGeCircArc3d& arc);
-  AcGeEllipArc3d& setAngles(double startAngle, double endAngle);
+  AcGeEllipArc3d& set(const AcGeCircArc3d& arc);  ///< The same curve as a circular arc.
+  AcGeEllipArc3d& setAngles(double startAngle, double endAngle);  ///< Sets the parametric angles (radians).
 
+  ///@{
+  /// Centre, axes, plane normal, radii, angles and end points.
   AcGePoint3d center() const { return mCenter; }
   AcGeVector3d majorAxis() const { return mMajorAxis; }
   AcGeVector3d minorAxis() const { return mMinorAxis; }
@@ -40,6 +47,7 @@ public:
   double endAng() const { return mEndAng; }
   AcGePoint3d startPoint() const { return evalPoint(mStartAng); }
   AcGePoint3d endPoint() const { return evalPoint(mEndAng); }
+  ///@}
 
   void getInterval(double& lower, double& upper) const override { lower = mStartAng; upper = mEndAng; }
   AcGePoint3d evalPoint(double param) const override;

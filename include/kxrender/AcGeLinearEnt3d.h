@@ -35,7 +35,8 @@ public:
   /// Single meeting point of two linear entities within both extents. Parallel
   /// (including overlapping collinear) and skew entities give false.
   bool intersectWith(const AcGeLinearEnt3d& other, AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const;
-  bool intersectWith(const AcGePlanarEnt& plane, AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const;
+  bool intersectWith(const AcGePlanarEnt& plane, AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const;  ///< The point where the entity meets the plane; false when parallel or outside the interval.
+  /// Directions parallel within tol.
   bool isParallelTo(const AcGeLinearEnt3d& other, const AcGeTol& tol = AcGeContext::gTol) const {
     return mVector.isParallelTo(other.mVector, tol);
   }
@@ -44,8 +45,8 @@ public:
 
 protected:
   AcGeLinearEnt3d() = default;
-  AcGeLinearEnt3d(const AcGePoint3d& pnt, const AcGeVector3d& vec) : mPoint(pnt), mVector(vec) {}
+  AcGeLinearEnt3d(const AcGePoint3d& pnt, const AcGeVector3d& vec) : mPoint(pnt), mVector(vec) {}  ///< Through pnt along vec.
 
-  AcGePoint3d mPoint;
-  AcGeVector3d mVector{1.0, 0.0, 0.0};
+  AcGePoint3d mPoint;  ///< Point at parameter 0.
+  AcGeVector3d mVector{1.0, 0.0, 0.0};  ///< Direction vector (length: one parameter unit).
 };

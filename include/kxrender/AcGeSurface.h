@@ -8,6 +8,7 @@ public:
   bool isKindOf(AcGe::EntityId id) const override { return id == AcGe::kSurface || AcGeEntity3d::isKindOf(id); }
   /// Nearest point of the surface.
   virtual AcGePoint3d closestPointTo(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const = 0;
+  /// Distance from pnt to the surface.
   double distanceTo(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const {
     return closestPointTo(pnt, tol).distanceTo(pnt);
   }
