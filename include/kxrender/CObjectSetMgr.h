@@ -87,7 +87,8 @@ class KXRENDER_API CObjectSetMgr {
   bool measureBox(AcGePoint3d& min, AcGePoint3d& max) const;
   void freshBox() { calBox(); }  ///< Measures the contents into the stored box; call after adding or moving objects.
   ///@{
-  /// Depth-range limits used to draw outlines just in front of faces.
+  /// Depth-range values for border lines drawn over faces, set by freshBox:
+  /// near 0.09995 (0.1 for a box reaching past 1e5 units), far 1. Kept for hosts.
   double borderLineZNear() const { return m_zNear; }
   double borderLineZFar() const { return m_zFar; }
   ///@}

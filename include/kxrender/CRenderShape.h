@@ -149,7 +149,7 @@ class KXRENDER_API CRenderShape {
   void setHighLight(bool b) { m_highLight = b; }
   bool getHighLight() const { return m_highLight; }
   ///@}
-  bool isLive() const { return m_live; }  ///< False once the shape was dropped from drawing.
+  bool isLive() const { return m_live; }  ///< Liveness flag kept for hosts; Init sets it.
 
   // ---- tags ----
   /// Key/value tags: setXdata adds or replaces (false for an empty key),
@@ -208,7 +208,9 @@ class KXRENDER_API CRenderShape {
   // ---- face mesh ----
   bool faceIsPlane() const;  ///< True when every face-mesh vertex lies in one plane.
   /// Face mesh data: vertices, triangle indices (three per triangle), normals
-  /// and texture coordinates. The shape takes ownership of each vector.
+  /// and texture coordinates. The shape copies each vector (null changes
+  /// nothing); after setShareVertexData it keeps the caller's pointer
+  /// instead, and the caller keeps the vector alive.
   void setFaceVertexArray(std::vector<AcGePoint3d>* v);
   ///@{
   /// See setFaceVertexArray.
@@ -217,7 +219,7 @@ class KXRENDER_API CRenderShape {
   void setFaceTexCoordArray(std::vector<AcGePoint2d>* v);
   ///@}
   ///@{
-  /// The face mesh data (owned by the shape), or null.
+  /// The face mesh data, or null.
   const std::vector<AcGePoint3d>* getFaceVertexArray() const { return m_meshVertices; }
   const std::vector<int>* getFaceTriangleIndexArray() const { return m_meshTriangleIndices; }
   const std::vector<AcGeVector3d>* getFaceNormalArray() const { return m_meshNormals; }
@@ -225,7 +227,7 @@ class KXRENDER_API CRenderShape {
   ///@}
   /// Sets the flag; nothing clears it.
   void setShareVertexData() { m_shareVertexData = true; }
-  bool getShareVertexData() const { return m_shareVertexData; }  ///< True when the mesh data is shared with another shape.
+  bool getShareVertexData() const { return m_shareVertexData; }  ///< True after setShareVertexData.
 
   // ---- hit lines (edges of a face mesh) ----
   ///@{
@@ -242,7 +244,7 @@ class KXRENDER_API CRenderShape {
   /// A face mesh answers the hit nearest to p1.
   bool intersectRay(const AcGePoint3d& p1, const AcGePoint3d& p2, AcGePoint3d& hitPt, double tol, int mode,
                     bool solid) const;
-  double ptNearDistToEdge(const AcGePoint3d& pt) const;  ///< Distance from pt to the nearest outline edge, world units.
+  double ptNearDistToEdge(const AcGePoint3d& pt) const;  ///< Distance from pt to the nearest outline, hole or hit-line edge (0 for a polyline).
   /// Rectangle selection in window pixels. view: the model-view and
   /// projection matrices (16 values each, column-major) and the viewport (4
   /// values), as scene picking prepares them; the set is not needed. The
@@ -264,7 +266,7 @@ class KXRENDER_API CRenderShape {
   // ---- transforms and texture mapping ----
   void transformBy(const AcGeMatrix3d& m);  ///< Applies m to points, holes, normal, text and mesh; drops the display list.
   void offsetFaceVertex(double d);  ///< Moves the mesh vertices d world units along their normals.
-  void setTextureCoord(std::vector<AcGePoint2d> uv);  ///< Texture coordinates of the outline points, one per point.
+  void setTextureCoord(std::vector<AcGePoint2d> uv);  ///< Texture coordinates of the outline then hole points, in order; drawn vertices take those of the point they sit on.
 
   // ---- drawing ----
   /// Draws the shape into the current frame in render mode `mode` (0 wire

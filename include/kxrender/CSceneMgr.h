@@ -177,9 +177,9 @@ class KXRENDER_API CSceneMgr {
   /// Keeps the world z axis upright; pt is not used.
   void mouseLimitRotate(CSize d, CPoint pt);
   ///@{
-  /// View history: pushCamera saves camera and range (bMerge merges with a
-  /// push made within the last second); popCamera restores the last one, none:
-  /// no effect.
+  /// View history: pushCamera saves camera and range (an unchanged view is
+  /// not saved again; merging pushes less than 2 s apart keep only the view
+  /// before the burst); popCamera restores the last one, none: no effect.
   void pushCamera(bool bMerge);
   void popCamera();
   size_t cameraHistorySize() const { return m_cameraStack.size(); }
@@ -295,12 +295,13 @@ class KXRENDER_API CSceneMgr {
   void setBack(bool b) { m_bBack = b; }
   ///@}
   ///@{
-  /// Whether objects add their grip points while drawing.
+  /// Whether hit objects draw their grip points as dots.
   bool isDrawGrip() const { return m_bDrawGrip; }
   void setDrawGrip(bool b) { m_bDrawGrip = b; }
   ///@}
   ///@{
-  /// Faster drawing while the view moves (lower levels of detail).
+  /// Faster frames while the view moves: static objects and objects under
+  /// about 120 pixels across are skipped.
   bool isAccelerate() const { return m_bAccelerate; }
   void setAccelerate(bool b) { m_bAccelerate = b; }
   ///@}
