@@ -40,7 +40,7 @@ public:
   int numIntPoints() const { return static_cast<int>(mPoints.size()); }  ///< Number of intersection points.
   /// An index past the end reads the last point; no points read the origin.
   AcGePoint3d intPoint(int index) const;
-  void getIntParams(int index, double& param1, double& param2) const;  ///< Parameters of intersection index on each curve; an index outside leaves them.
+  void getIntParams(int index, double& param1, double& param2) const;  ///< Parameters of intersection index on each curve; the index is clamped, and with no intersection both are 0.
 
   /// True when pnt is one of the meeting points.
   bool isOn(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const override;

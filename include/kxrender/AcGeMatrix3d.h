@@ -61,7 +61,7 @@ public:
   double det() const;  ///< The determinant.
 
   ///@{
-  /// Entry-wise comparison within tol.equalPoint.
+  /// Entry-wise comparison: translation entries within tol.equalPoint, the others within tol.equalVector.
   bool isEqualTo(const AcGeMatrix3d& m, const AcGeTol& tol = AcGeContext::gTol) const;
   bool operator==(const AcGeMatrix3d& m) const { return isEqualTo(m); }
   bool operator!=(const AcGeMatrix3d& m) const { return !isEqualTo(m); }

@@ -10,7 +10,7 @@ public:
 
   ///@{
   /// Degree, order (degree + 1), control points and knots (an index outside
-  /// is clamped), whether fit data is kept, whether weights are used.
+  /// is clamped; none gives a zero value), whether fit data is kept, whether weights are used.
   virtual int degree() const = 0;
   int order() const { return degree() + 1; }
   virtual int numControlPoints() const = 0;

@@ -27,7 +27,7 @@ class KXRENDER_API CArchiveException : public std::exception {
     badSchema
   };
   explicit CArchiveException(Cause cause) : m_cause(cause) {}  ///< An exception for cause.
-  const char* what() const noexcept override;  ///< A short English description of the cause.
+  const char* what() const noexcept override;  ///< A short description of the cause.
   Cause m_cause;  ///< Why it failed.
 };
 
