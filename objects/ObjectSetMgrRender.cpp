@@ -23,6 +23,7 @@ void CObjectSetMgr::setRenderMode(CRenderObject::RenderMode mode) {
 void CObjectSetMgr::releaseDispList() {
   for (auto& kv : m_objects) {
     if (!kv.second) continue;
+    kv.second->releaseShadowVolume();
     for (CRenderShape& s : kv.second->getShps()) s.releaseDisplayList();
     for (std::vector<CRenderShape>& level : kv.second->getLodShpss())
       for (CRenderShape& s : level) s.releaseDisplayList();
