@@ -264,6 +264,7 @@ void castShadows(CSceneMgr& scene) {
   ground->addShape(plane);
   ground->endAddShape();
   set.addObject(ground);
+  set.freshBox();  // volumes reach as far as the set's box
   for (const auto& kv : set.objects()) kv.second->setGenerateShadow(true);
   const float sun[4] = {-1.0f, -1.0f, 0.7f, 0.0f};
   scene.setLightpos(sun);

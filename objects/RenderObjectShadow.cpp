@@ -17,6 +17,18 @@ bool depthClampAvailable() {
   return available;
 }
 
+// The state volumes are drawn in, set once for a run of volumes and put
+// back before the next face is drawn. Scenes draw from one GUI thread.
+struct VolumeState {
+  bool active = false;
+  bool clamp = false;
+  GLfloat factor = 0.0f, units = 0.0f;
+};
+VolumeState& volumeState() {
+  static VolumeState state;
+  return state;
+}
+
 }  // namespace
 
 void CRenderObject::releaseShadowVolume() {
@@ -78,18 +90,30 @@ void CRenderObject::renderShadowVolume() {
     buildShadowVolume(light, lo, hi);
   if (!m_shadow.list) return;
 
+  beginShadowVolumeState();
+  kgl->CallList(m_shadow.list);
+}
+
+void beginShadowVolumeState() {
+  VolumeState& v = volumeState();
+  if (v.active) return;
+  v.active = true;
   // The front cap lies on the lit faces: pushed just behind them, it fails
   // the depth test there, so a lit face does not shadow itself. The offset
-  // the faces were drawn with is kept for the passes that follow.
-  GLfloat factor = 0.0f, units = 0.0f;
-  kgl->GetFloatv(GL_POLYGON_OFFSET_FACTOR, &factor);
-  kgl->GetFloatv(GL_POLYGON_OFFSET_UNITS, &units);
-  kgl->PolygonOffset(factor + 1.0f, units + 4.0f);
+  // the faces were drawn with is put back for the passes that follow.
+  kgl->GetFloatv(GL_POLYGON_OFFSET_FACTOR, &v.factor);
+  kgl->GetFloatv(GL_POLYGON_OFFSET_UNITS, &v.units);
+  kgl->PolygonOffset(v.factor + 1.0f, v.units + 4.0f);
   // Far ends past the view's depth range are clamped, not clipped away,
   // which would open the volume and spoil the count behind them.
-  const bool clamp = depthClampAvailable();
-  if (clamp) kgl->Enable(GL_DEPTH_CLAMP);
-  kgl->CallList(m_shadow.list);
-  if (clamp) kgl->Disable(GL_DEPTH_CLAMP);
-  kgl->PolygonOffset(factor, units);
+  v.clamp = depthClampAvailable();
+  if (v.clamp) kgl->Enable(GL_DEPTH_CLAMP);
+}
+
+void endShadowVolumeState() {
+  VolumeState& v = volumeState();
+  if (!v.active) return;
+  v.active = false;
+  if (v.clamp) kgl->Disable(GL_DEPTH_CLAMP);
+  kgl->PolygonOffset(v.factor, v.units);
 }

@@ -68,3 +68,9 @@ bool castsShadow(const CRenderShape& s);
 // counter-clockwise about the normal; faces as indexed, lifted by their z
 // offset), under m when given.
 void addCasterTriangles(ShadowVolumeBuilder& b, const CRenderShape& s, const AcGeMatrix3d* m);
+
+// Volumes are drawn with a depth offset behind the faces and with depth
+// clamping; the first volume of a run sets that state, and the next face
+// drawn (or the end of the frame) puts the faces' state back.
+void beginShadowVolumeState();
+void endShadowVolumeState();
