@@ -1,5 +1,8 @@
 // Renders the built-in scene off-screen and writes the frame as a PNG.
-//   kxdemo [--out FILE] [--size WIDTHxHEIGHT] [--tower S B | --tower M | --tower XL] [--pick X,Y] [SCENE.json]
+//   kxdemo [--out FILE] [--size WIDTHxHEIGHT] [--tower S B | --tower M | --tower XL] [--pick X,Y] [--shadow]
+//          [SCENE.json]
+// --shadow adds a ground plane and casts every object's shadow under a sun
+// low in the south-west.
 // The model is the reference tower (4 storeys, 3 bays unless --tower says
 // otherwise), or the scene file when one is named. The pixel at the centre
 // of the view (or X,Y) is picked: what it hits is printed and highlighted.
@@ -246,13 +249,36 @@ void drawSnapMarker(CSceneMgr& scene, const AcGePoint3d& point, CRenderObject::S
   }
 }
 
+// A ground plane around the model, just below it, and shadows on: every
+// object casts under a sun low in the south-west (y is north).
+void castShadows(CSceneMgr& scene) {
+  CObjectSetMgr& set = *scene.getObjSetMgr();
+  AcGePoint3d lo, hi;
+  set.getBox(lo, hi);
+  const double reach = 2.0 * std::max(hi.x - lo.x, hi.y - lo.y), z = lo.z - 0.05;
+  CRenderObject* ground = new CRenderObject;
+  CRenderShape plane;
+  plane.set({{lo.x - reach, lo.y - reach, z}, {hi.x + reach, lo.y - reach, z}, {hi.x + reach, hi.y + reach, z},
+             {lo.x - reach, hi.y + reach, z}},
+            {}, CRenderShape::kPgon, CColor(120, 150, 100, 255), AcGeVector3d(0, 0, 1));
+  ground->addShape(plane);
+  ground->endAddShape();
+  set.addObject(ground);
+  set.freshBox();  // volumes reach as far as the set's box
+  for (const auto& kv : set.objects()) kv.second->setGenerateShadow(true);
+  const float sun[4] = {-1.0f, -1.0f, 0.7f, 0.0f};
+  scene.setLightpos(sun);
+  scene.setShadow(true);
+  scene.zoomE();
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   std::string out = "out/kxdemo.png";
   int width = 1280, height = 720;
   ModelChoice model;
-  bool pickGiven = false;
+  bool pickGiven = false, shadow = false;
   CPoint pickAt;
   for (int i = 1; i < argc; ++i) {
     if (!std::strcmp(argv[i], "--out") && i + 1 < argc) {
@@ -277,12 +303,14 @@ int main(int argc, char** argv) {
       }
       pickAt = CPoint(x, y);
       pickGiven = true;
+    } else if (!std::strcmp(argv[i], "--shadow")) {
+      shadow = true;
     } else if (argv[i][0] != '-' && model.sceneFile.empty()) {
       model.sceneFile = argv[i];
     } else {
       std::fprintf(stderr,
                    "usage: kxdemo [--out FILE] [--size WIDTHxHEIGHT] [--tower S B | --tower M | --tower XL] "
-                   "[--pick X,Y] [SCENE.json]\n");
+                   "[--pick X,Y] [--shadow] [SCENE.json]\n");
       return 2;
     }
   }
@@ -299,6 +327,7 @@ int main(int argc, char** argv) {
   }
   scene.setBkColor(0x503C28);  // dark slate blue: red 0x28, green 0x3C, blue 0x50
   if (!loadModel(scene, model)) return 1;
+  if (shadow) castShadows(scene);
   scene.render();  // the view the pick is made in
   pickAndMark(scene, pickGiven ? pickAt : CPoint(width / 2, height / 2));
   AcGePoint3d snapPoint;

@@ -22,10 +22,12 @@ void BenchTable::setCounts(const std::string& size, size_t objects, size_t polyg
 }
 
 void BenchTable::print(FILE* out) const {
-  static const char* const frames[] = {kFirstFrame, kSteadyFrame, kAccelerateFrame, kZoomedFrame};
+  static const char* const frames[] = {kFirstFrame,  kSteadyFrame,      kAccelerateFrame,
+                                       kZoomedFrame, kShadowFirstFrame, kShadowSteadyFrame};
   static const char* const rows[] = {kBuild,     kFirstFrame, kSteadyFrame,   kAccelerateFrame, kZoomedFrame,
                                      kPointPick, kRectPick,   kPointPickFull, kPointPickWorst,  kSnapFull,
-                                     kSnapWorst, kRectWindow, kRectCrossing,  kLimitArray,      kLimitList};
+                                     kSnapWorst, kRectWindow, kRectCrossing,  kLimitArray,      kLimitList,
+                                     kShadowFirstFrame, kShadowSteadyFrame};
   std::vector<std::string> sizes;
   for (const auto& kv : m_ms)
     if (std::find(m_sizes.begin(), m_sizes.end(), kv.first) == m_sizes.end()) sizes.push_back(kv.first);

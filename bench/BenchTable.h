@@ -25,6 +25,8 @@ class BenchTable {
   static constexpr const char* kRectCrossing = "rectangle selection, crossing (1/10)";
   static constexpr const char* kLimitArray = "limit: one vertex array";
   static constexpr const char* kLimitList = "limit: one display list";
+  static constexpr const char* kShadowFirstFrame = "first frame, shadows on (volumes built)";
+  static constexpr const char* kShadowSteadyFrame = "steady frame, shadows on";
 
   // Takes each benchmark's median (or its single run) into the table.
   class Collector : public benchmark::ConsoleReporter {

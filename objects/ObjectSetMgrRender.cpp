@@ -23,6 +23,10 @@ void CObjectSetMgr::setRenderMode(CRenderObject::RenderMode mode) {
 void CObjectSetMgr::releaseDispList() {
   for (auto& kv : m_objects) {
     if (!kv.second) continue;
+    // Like the shapes' lists, the volume goes now, in the current context.
+    const unsigned volume = kv.second->getShadowVolumeList();
+    if (volume && kgl->IsList(volume)) kgl->DeleteLists(volume, 1);
+    kv.second->m_shadow = CRenderObject::ShadowVolumeState();
     for (CRenderShape& s : kv.second->getShps()) s.releaseDisplayList();
     for (std::vector<CRenderShape>& level : kv.second->getLodShpss())
       for (CRenderShape& s : level) s.releaseDisplayList();

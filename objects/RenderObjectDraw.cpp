@@ -5,6 +5,7 @@
 #include "kxrender/CObjectSetMgr.h"
 #include "kxrender/CRenderObject.h"
 #include "kxrender/CSceneMgr.h"
+#include "objects/ShadowVolume.h"
 #include "support/GLTable.h"
 
 void CRenderObject::addOutlineShape(const CRenderShape* s) {
@@ -24,6 +25,7 @@ void CRenderObject::drawShape(CRenderShape& s, bool cullBackFaces, const double*
 
 void CRenderObject::render(bool cullBackFaces, const double* unitsPerPixel, const double* pixelsPerUnit,
                            const AcGeVector3d* viewDirection) {
+  endShadowVolumeState();  // faces are drawn in their own state
   if (!m_visible || !m_objSet) return;
   CSceneMgr* scene = m_objSet->getScene();
 

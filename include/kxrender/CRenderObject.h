@@ -147,7 +147,10 @@ class KXRENDER_API CRenderObject {
   ///@}
   ///@{
   /// Whether the object casts a stencil shadow when the scene's shadows are on.
-  void setGenerateShadow(bool b) { m_generateShadow = b; }
+  void setGenerateShadow(bool b) {
+    m_generateShadow = b;
+    if (!b) releaseShadowVolume();
+  }
   bool getGenerateShadow() const { return m_generateShadow; }
   ///@}
   ///@{
@@ -234,8 +237,12 @@ class KXRENDER_API CRenderObject {
   /// of detail, single point when tiny, instance matrices, then each shape.
   void render(bool cullBackFaces, const double* unitsPerPixel, const double* pixelsPerUnit,
               const AcGeVector3d* viewDirection);
-  /// Shadow volumes are not drawn yet.
-  void renderShadowVolume() {}
+  /// Draws the object's shadow volume from the scene's light, for the
+  /// stencil passes; built on first use and again only after the shapes,
+  /// the instances, the light or the set's box change.
+  void renderShadowVolume();
+  /// The display list of the shadow volume, 0 when there is none.
+  unsigned getShadowVolumeList() const { return m_shadow.list; }
   /// Shapes that must be drawn with the selection look after all objects.
   void addOutlineShape(const CRenderShape* s);
 
@@ -269,6 +276,7 @@ class KXRENDER_API CRenderObject {
   /// takes ownership; clearSmpMat deletes them all.
   void addSmpMat(CSimpleMatrix* m) {
     m_smpMats.push_back(m);
+    m_shadow.stale = true;
     snapChanged();
   }
   const std::vector<CSimpleMatrix*>& getSmpMat() const { return m_smpMats; }
@@ -330,6 +338,9 @@ class KXRENDER_API CRenderObject {
   void updateSnapExaSphere();
   /// Tells the set that this object's snap nodes changed.
   void snapChanged();
+  // Hands the shadow volume's list to the scene's deletion queue.
+  void releaseShadowVolume();
+  void buildShadowVolume(const float* light, const AcGePoint3d& lo, const AcGePoint3d& hi);
   void drawShape(CRenderShape& s, bool cullBackFaces, const double* pixelsPerUnit,
                  const AcGeVector3d* viewDirection, bool isLod);
 
@@ -365,4 +376,12 @@ class KXRENDER_API CRenderObject {
   std::vector<CGripPoint> m_grips;
   bool m_renderedFlag1 = false;
   bool m_renderedFlag2 = false;
+  // What the shadow volume was built for; never copied.
+  struct ShadowVolumeState {
+    unsigned list = 0;
+    bool stale = true;  // shapes or instances changed since
+    float light[4] = {};
+    AcGePoint3d lo, hi;  // the set's box
+  };
+  ShadowVolumeState m_shadow;
 };
