@@ -17,6 +17,9 @@ struct KxGLContext;
 typedef KxWindow* HWND;
 typedef KxDeviceContext* HDC;
 typedef KxGLContext* HGLRC;
+struct KxBitmap;
+typedef KxBitmap* HBITMAP;
+typedef void* HGDIOBJ;
 
 struct RECT {
   LONG left, top, right, bottom;
@@ -26,6 +29,19 @@ struct POINT {
 };
 struct SIZE {
   LONG cx, cy;
+};
+struct BITMAPINFOHEADER {
+  DWORD biSize;
+  LONG biWidth;
+  LONG biHeight;  // positive: rows bottom-up
+  WORD biPlanes;
+  WORD biBitCount;
+  DWORD biCompression;
+  DWORD biSizeImage;
+  LONG biXPelsPerMeter;
+  LONG biYPelsPerMeter;
+  DWORD biClrUsed;
+  DWORD biClrImportant;
 };
 
 // Code pages for KxSetAnsiCodePage.
