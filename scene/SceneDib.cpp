@@ -67,6 +67,7 @@ void CSceneMgr::setDibSize(int w, int h) {
 }
 
 void CSceneMgr::drawImageRegion(int w, int h, int x, int y, int tw, int th, int spanW, int spanH, bool tripod) {
+  if (tw <= 0 || th <= 0 || spanW <= 0 || spanH <= 0) return;
   // Spans are counted from the picture's lower left corner, where GL's
   // window coordinates start.
   const int below = h - y - th;  // rows of the picture under the region

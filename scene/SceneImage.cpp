@@ -4,6 +4,7 @@
 #include <epoxy/gl.h>
 
 #include <algorithm>
+#include <new>
 #include <vector>
 
 #include "kxrender/CSceneMgr.h"
@@ -15,11 +16,14 @@ namespace {
 const int kMaxPictureSide = 1000000;
 const int kTileSide = 4096;
 const int kBandRows = 1024;
+// Bands of very wide pictures get fewer rows, down to 32.
+const size_t kBandBytes = size_t(64) << 20;
 
-// Splits `whole` into equal pieces of at most `most`.
+// Splits `whole` into nearly equal pieces of at most `most` (a multiple of
+// 32), each a multiple of 32 but the last.
 int pieceOf(int whole, int most) {
   const int pieces = (whole + most - 1) / most;
-  return (whole + pieces - 1) / pieces;
+  return std::min(most, ((whole + pieces - 1) / pieces + 31) / 32 * 32);
 }
 
 }  // namespace
@@ -27,20 +31,18 @@ int pieceOf(int whole, int most) {
 bool CSceneMgr::renderImageRows(int width, int height, int tileWidth, int tileHeight, const RowSink& row) {
   if (width <= 0 || height <= 0 || width > kMaxPictureSide || height > kMaxPictureSide || !row) return false;
   tileWidth = tileWidth > 0 ? std::min(tileWidth, width) : pieceOf(width, kTileSide);
-  tileHeight = tileHeight > 0 ? std::min(tileHeight, height) : std::min(height, kBandRows);
+  const int bandRows = int(std::max<size_t>(32, std::min<size_t>(kBandRows, kBandBytes / (size_t(width) * 3))));
+  tileHeight = tileHeight > 0 ? std::min(tileHeight, height) : std::min(height, bandRows);
   // Tiles start at multiples of 32 pixels from the lower left corner, so the
   // 32 x 32 polygon stipple of highlighted faces stays in step across them.
   auto aligned = [](int side) { return side > 32 ? side - side % 32 : side; };
   if (tileWidth < width) tileWidth = aligned(tileWidth);
   if (tileHeight < height) tileHeight = aligned(tileHeight);
   DIBSection tile;
-  if (tile.Create(tileWidth, tileHeight, 24)) {
-    // Less memory than asked for gives smaller tiles, never a smaller picture.
-    tileWidth = int(tile.Width());
-    tileHeight = int(tile.Height());
-  } else {
-    return false;
-  }
+  if (!tile.Create(tileWidth, tileHeight, 24)) return false;
+  // Less memory than asked for gives smaller tiles, never a smaller picture.
+  if (int(tile.Width()) < tileWidth) tileWidth = aligned(int(tile.Width()));
+  if (int(tile.Height()) < tileHeight) tileHeight = aligned(int(tile.Height()));
   // The window's view stays as it was for picking until it draws again.
   struct View {
     int width, height, viewport[4];
@@ -65,7 +67,12 @@ bool CSceneMgr::renderImageRows(int width, int height, int tileWidth, int tileHe
     glGetIntegerv(GL_MAX_VIEWPORT_DIMS, most);
     const int spanW = std::max(1, most[0] / tileWidth) * tileWidth;
     const int spanH = std::max(1, most[1] / tileHeight) * tileHeight;
-    std::vector<unsigned char> band(size_t(width) * 3 * size_t(tileHeight));
+    std::vector<unsigned char> band;
+    try {
+      band.resize(size_t(width) * 3 * size_t(tileHeight));
+    } catch (const std::bad_alloc&) {
+      ok = false;
+    }
     const unsigned char* bits = static_cast<const unsigned char*>(tile.GetBits());
     // The top band takes what is left over, the others whole tiles.
     for (int y = 0, th = height % tileHeight ? height % tileHeight : tileHeight; ok && y < height;

@@ -77,7 +77,7 @@ std::vector<uint8_t> readPng(const std::string& path, unsigned& width, unsigned&
 }
 }  // namespace
 
-// A small tower seen from a corner, axis tripod on.
+// A small tower seen from a corner, roof highlighted, axis tripod on.
 class OffscreenScene : public ::testing::Test {
  protected:
   void open(int width, int height) {
@@ -87,6 +87,8 @@ class OffscreenScene : public ::testing::Test {
     scene.setBkColor(0x503C28);
     KxBuildTower(*scene.getObjSetMgr(), 2, 2);
     scene.getObjSetMgr()->freshBox();
+    // The roof highlighted: its 32 x 32 stipple must stay in step across tiles.
+    scene.getObjSetMgr()->objects().rbegin()->second->highLight(true);
     const AcGeVector3d forward = AcGeVector3d(-1.0, -1.0, -0.8).normal();
     const AcGeVector3d up = (AcGeVector3d::kZAxis - forward * forward.z).normal();
     scene.camera()->ReSet(AcGeVector3d(0.0, 0.0, 0.0), up, forward);
