@@ -79,7 +79,11 @@ void CSceneMgr::drawImageRegion(int w, int h, int x, int y, int tw, int th, int 
   kgl->ClearColor(m_bkColor.r / 255.0f, m_bkColor.g / 255.0f, m_bkColor.b / 255.0f, 1.0f);
   kgl->Clear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
   m_camera.look();
+  // Objects outside the region itself are culled.
+  m_regionSize[0] = tw;
+  m_regionSize[1] = th;
   m_objSetMgr.render();
+  m_regionSize[0] = m_regionSize[1] = 0;
   // In the picture's lower left corner, 100 pixels square: only the regions
   // that show part of it draw it, placed where it falls in the picture.
   if (!tripod || x >= 100 || y + th <= h - 100) return;

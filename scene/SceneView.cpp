@@ -81,12 +81,23 @@ void CSceneMgr::updateFrustumAndMatrix() {
   // right, left, bottom, top, near: C3 -/+ C0, C3 +/- C1, C3 + C2.
   const int axis[5] = {0, 0, 1, 1, 2};
   const double sign[5] = {-1.0, 1.0, 1.0, -1.0, 1.0};
+  // A tile drawn through a larger viewport sees only its own part of it:
+  // the side planes move in to the tile's edges.
+  double edge[5] = {1.0, 1.0, 1.0, 1.0, 1.0};
+  if (m_regionSize[0] > 0 && m_viewport[2] > 0 && m_viewport[3] > 0) {
+    auto ndc = [](double at, int origin, int size) { return std::clamp(2.0 * (at - origin) / size - 1.0, -1.0, 1.0); };
+    edge[0] = ndc(m_regionSize[0], m_viewport[0], m_viewport[2]);
+    edge[1] = -ndc(0, m_viewport[0], m_viewport[2]);
+    edge[2] = -ndc(0, m_viewport[1], m_viewport[3]);
+    edge[3] = ndc(m_regionSize[1], m_viewport[1], m_viewport[3]);
+  }
   // Sized once: this runs every frame and must not allocate.
   if (m_frustumPlanes.size() != 5) m_frustumPlanes.resize(5);
   for (int p = 0; p < 5; ++p) {
     std::vector<double>& plane = m_frustumPlanes[size_t(p)];
     plane.resize(4);
-    for (int row = 0; row < 4; ++row) plane[size_t(row)] = column(3, row) + sign[p] * column(axis[p], row);
+    for (int row = 0; row < 4; ++row)
+      plane[size_t(row)] = edge[p] * column(3, row) + sign[p] * column(axis[p], row);
     const float length =
         static_cast<float>(std::sqrt(plane[0] * plane[0] + plane[1] * plane[1] + plane[2] * plane[2]));
     if (length > 0.0f)

@@ -291,6 +291,7 @@ class KXRENDER_API CSceneMgr {
   void dropBitmapContext();
 
   std::vector<std::vector<double>> m_frustumPlanes;
+  int m_regionSize[2] = {0, 0};  // the tile being drawn, 0 for a whole frame
   HWND m_hWnd = nullptr;
   HGLRC m_hRC = nullptr;
   HDC m_hDC = nullptr;
