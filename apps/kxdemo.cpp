@@ -1,4 +1,5 @@
-// Renders the built-in scene off-screen and writes the frame as a PNG.
+// Renders the built-in scene off-screen and writes the picture as a PNG, at
+// any size: the picture is drawn in tiles, without a window of its size.
 //   kxdemo [--out FILE] [--size WIDTHxHEIGHT] [--tower S B | --tower M | --tower XL] [--pick X,Y] [--shadow]
 //          [SCENE.json]
 // --shadow adds a ground plane and casts every object's shadow under a sun
@@ -7,8 +8,7 @@
 // otherwise), or the scene file when one is named. The pixel at the centre
 // of the view (or X,Y) is picked: what it hits is printed and highlighted.
 // Then, with every snap kind on, the cursor is set a few pixels off a wall
-// corner in view; the snap found there is printed and marked with the
-// symbol of its kind.
+// corner in view; the snap found there is printed.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -19,9 +19,7 @@
 #include <string>
 #include <vector>
 
-#include "kxrender/CRenderSystem.h"
 #include "kxrender/CSceneMgr.h"
-#include "kxrender/KxImage.h"
 #include "kxrender/KxSceneFile.h"
 #include "kxrender/KxTowerModel.h"
 #include "kxrender/KxWindow.h"
@@ -161,29 +159,6 @@ const char* kindName(CRenderObject::SnapMode k) {
   }
 }
 
-// Strokes of the marker of a kind, in pixels about the point (y down).
-std::vector<std::vector<CPoint>> markerOf(CRenderObject::SnapMode k) {
-  const int r = 6;
-  switch (k) {
-    case CRenderObject::kSnapEndPoint:
-      return {{{-r, -r}, {r, -r}, {r, r}, {-r, r}, {-r, -r}}};
-    case CRenderObject::kSnapMidPoint:
-      return {{{0, -r}, {r, r}, {-r, r}, {0, -r}}};
-    case CRenderObject::kSnapCenter:
-      return {{{r, 0}, {4, 4}, {0, r}, {-4, 4}, {-r, 0}, {-4, -4}, {0, -r}, {4, -4}, {r, 0}}};
-    case CRenderObject::kSnapIntersection:
-      return {{{-r, -r}, {r, r}}, {{-r, r}, {r, -r}}};
-    case CRenderObject::kSnapPerpendicular:
-      return {{{-r, -r}, {-r, r}, {r, r}}, {{-r, 0}, {0, 0}, {0, r}}};
-    case CRenderObject::kSnapNearest:
-      return {{{-r, -r}, {r, -r}, {-r, r}, {r, r}, {-r, -r}}};
-    case CRenderObject::kSnapNode:
-      return {{{0, -r}, {r, 0}, {0, r}, {-r, 0}, {0, -r}}, {{-r, -r}, {r, r}}, {{-r, r}, {r, -r}}};
-    default:
-      return {{{-r, -r}, {r, -r}, {r, r}, {-r, r}, {-r, -r}}, {{-r, -r}, {r, r}}};
-  }
-}
-
 // A corner of an outer wall panel in view, with the cursor 3 px right of
 // and 2 px below it; false when none is found.
 bool wallCorner(CSceneMgr& scene, CPoint& cursor) {
@@ -231,24 +206,6 @@ bool snapNearWallCorner(CSceneMgr& scene, AcGePoint3d& point, CRenderObject::Sna
   return true;
 }
 
-// Draws the marker in the frame, on the eye's side of the model.
-void drawSnapMarker(CSceneMgr& scene, const AcGePoint3d& point, CRenderObject::SnapMode kind) {
-  const CPoint at = scene.world2screen(point);
-  CRenderSystem::createSingleton();
-  CColor yellow(255, 220, 0, 255);
-  for (const std::vector<CPoint>& stroke : markerOf(kind)) {
-    std::vector<AcGePoint3d> pts;
-    for (const CPoint& d : stroke)
-      pts.push_back(scene.screen2world(CPoint(at.x + d.x, at.y + d.y), CSceneMgr::PLANE_NEAR));
-    // Just behind the near plane: in front of everything, never clipped.
-    AcGePoint3d nearPt, farPt;
-    scene.getPointOfIntersectionThatEyeToNearFarFrustumPlane(at, nearPt, farPt);
-    const AcGeVector3d inward = (farPt - nearPt) * 1e-4;
-    for (AcGePoint3d& p : pts) p += inward;
-    CRenderSystem::getSingleton()->drawPLine(pts, 2.0, yellow);
-  }
-}
-
 // A ground plane around the model, just below it, and shadows on: every
 // object casts under a sun low in the south-west (y is north).
 void castShadows(CSceneMgr& scene) {
@@ -284,9 +241,9 @@ int main(int argc, char** argv) {
     if (!std::strcmp(argv[i], "--out") && i + 1 < argc) {
       out = argv[++i];
     } else if (!std::strcmp(argv[i], "--size") && i + 1 < argc) {
-      if (std::sscanf(argv[++i], "%dx%d", &width, &height) != 2 || width < 1 || height < 1 || width > 16384 ||
-          height > 16384) {
-        std::fprintf(stderr, "kxdemo: --size wants WIDTHxHEIGHT, each 1 to 16384\n");
+      if (std::sscanf(argv[++i], "%dx%d", &width, &height) != 2 || width < 1 || height < 1 || width > 1000000 ||
+          height > 1000000) {
+        std::fprintf(stderr, "kxdemo: --size wants WIDTHxHEIGHT, each 1 to 1000000\n");
         return 2;
       }
     } else if (!std::strcmp(argv[i], "--tower")) {
@@ -315,7 +272,12 @@ int main(int argc, char** argv) {
     }
   }
 
-  HWND window = KxCreateOffscreenWindow(width, height);
+  // The view is set up, picked and snapped in a window of at most 1280
+  // pixels a side with the picture's shape; the picture itself is drawn
+  // off-screen at its full size.
+  const double shrink = std::min(1.0, 1280.0 / std::max(width, height));
+  const int windowWidth = std::max(1, int(width * shrink)), windowHeight = std::max(1, int(height * shrink));
+  HWND window = KxCreateOffscreenWindow(windowWidth, windowHeight);
   if (!window) {
     std::fprintf(stderr, "kxdemo: no off-screen display (is Mesa's EGL installed?)\n");
     return 1;
@@ -329,29 +291,23 @@ int main(int argc, char** argv) {
   if (!loadModel(scene, model)) return 1;
   if (shadow) castShadows(scene);
   scene.render();  // the view the pick is made in
-  pickAndMark(scene, pickGiven ? pickAt : CPoint(width / 2, height / 2));
+  pickAndMark(scene, pickGiven ? pickAt : CPoint(windowWidth / 2, windowHeight / 2));
   AcGePoint3d snapPoint;
   CRenderObject::SnapMode snapKind = CRenderObject::kSnapNone;
-  const bool snapped = snapNearWallCorner(scene, snapPoint, snapKind);
+  snapNearWallCorner(scene, snapPoint, snapKind);
   scene.render();
-  if (snapped) drawSnapMarker(scene, snapPoint, snapKind);
-  scene.draw3dOrbit();
   scene.finish();
 
-  std::vector<uint8_t> pixels;
-  int w = 0, h = 0;
-  if (!KxReadWindowPixels(window, pixels, w, h)) {
-    std::fprintf(stderr, "kxdemo: could not read the frame back\n");
-    return 1;
-  }
   std::error_code ec;
   const std::filesystem::path parent = std::filesystem::path(out).parent_path();
   if (!parent.empty()) std::filesystem::create_directories(parent, ec);
-  if (!KxWritePng(out, pixels, w, h)) {
+  const auto start = std::chrono::steady_clock::now();
+  if (!scene.renderToImageTiled(width, height, out.c_str())) {
     std::fprintf(stderr, "kxdemo: could not write %s\n", out.c_str());
     return 1;
   }
-  std::printf("kxdemo: %dx%d frame written to %s\n", w, h, out.c_str());
+  const double ms = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+  std::printf("kxdemo: %dx%d picture written to %s (%.0f ms)\n", width, height, out.c_str(), ms);
   scene.glRelease();
   KxDestroyWindow(window);
   return 0;

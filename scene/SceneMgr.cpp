@@ -193,10 +193,14 @@ void CSceneMgr::setLightpos(const float* p) {
   if (p) std::copy_n(p, 4, m_lightPos);
 }
 
-void CSceneMgr::render() {
+void CSceneMgr::deleteQueuedLists() {
   for (unsigned int id : m_removedDispLists)
     if (kgl->IsList(id)) kgl->DeleteLists(id, 1);
   m_removedDispLists.clear();
+}
+
+void CSceneMgr::render() {
+  deleteQueuedLists();
 
   m_currentScenePtr = this;
   setViewport();

@@ -2,7 +2,9 @@
 // One 3D view on one host window: its rendering context, frame, camera,
 // projection and the objects it draws.
 #include <deque>
+#include <functional>
 #include <list>
+#include <stack>
 #include <vector>
 
 #include "kxrender/AcGePlane.h"
@@ -16,6 +18,7 @@
 #include "kxrender/CRenderObject.h"
 #include "kxrender/CSize.h"
 #include "kxrender/CTextureMgr.h"
+#include "kxrender/DIBSection.h"
 #include "kxrender/Export.h"
 #include "kxrender/GripPoint.h"
 #include "kxrender/KxWindow.h"
@@ -334,6 +337,41 @@ class KXRENDER_API CSceneMgr {
 
   static CSceneMgr* m_currentScenePtr;  ///< The scene drawing now; see getCurrentScenePtr().
   static int g_nPixelFormat;  ///< The pixel format chosen once for the process; 0 until then.
+  /// --- off-screen bitmap, print queue and image export ---------------------
+  /// The objects' display lists live in one context at a time: each switch
+  /// releases them in the context that made them, and the next to draw
+  /// builds its own.
+  /// Makes the bitmap shared by all scenes, unless there is one already: it
+  /// is always landscape (the larger of w and h across) and never resized.
+  /// Then this scene's context on it, which is left current.
+  void setDibSize(int w, int h);
+  /// Draws the view into the bitmap, the axis tripod always included; the
+  /// bitmap's bits hold the frame afterwards.
+  void renderToDib();
+  /// Drops this scene's bitmap context and the bitmap; the window's context
+  /// is current again.
+  void ClearDibData();
+  static DIBSection* getDibPtr() { return &m_renderDib; }
+  /// A nesting count of print jobs, for the host.
+  static void pushPrintQue() { m_printQue.push(1); }
+  static void popPrintQue();
+  static bool printQueEmpty() { return m_printQue.empty(); }
+  /// Renders the view off-screen as a width x height PNG, in tiles with a
+  /// context of their own, written band by band: memory stays near
+  /// width x 1024 x 3 bytes plus one tile, whatever the height. The picture
+  /// shows what a window of that size would (the shorter side spans twice the
+  /// range); the axis tripod is drawn once, in the lower left corner, when
+  /// the scene draws it. Sides up to 1,000,000 pixels. False, with the file
+  /// removed, when anything fails. The window's context is current again
+  /// afterwards (when there was one).
+  bool renderToImageTiled(int width, int height, const char* path);
+  /// The same picture as RGB rows from the top, each handed to `row` (false
+  /// from it stops). Tiles of tileWidth x tileHeight, or chosen when 0.
+  typedef std::function<bool(int y, const unsigned char* rgb)> RowSink;
+  bool renderImageRows(int width, int height, int tileWidth, int tileHeight, const RowSink& row);
+
+  static std::stack<int, std::deque<int>> m_printQue;
+  static DIBSection m_renderDib;
 
  private:
   struct CameraRecord {
@@ -348,8 +386,26 @@ class KXRENDER_API CSceneMgr {
   /// Client size with an empty side counted as one pixel.
   void clientSize(int& w, int& h) const;
   AcGePoint3d orbitPivot(bool allowFixed) const;
+  // Projection of the region (x, y, tw, th), y from the top, of a whole
+  // picture of w x h pixels, into a viewport of the region's size; the view
+  // sizes describe the whole picture.
+  void setImageProjection(int w, int h, int x, int y, int tw, int th, bool moveCamera);
+  // The axis tripod in a 100-pixel viewport at (vx, vy).
+  void drawTripod(int vx, int vy);
+  // One frame of the region (x, y, tw, th) of a w x h picture, in the
+  // current context, camera not moved. Regions are drawn through the
+  // projection of the span (a grid of spanW x spanH cells) they lie in,
+  // offset by the viewport: tiles of one span then round exactly as one
+  // frame of it would.
+  void drawImageRegion(int w, int h, int x, int y, int tw, int th, int spanW, int spanH, bool tripod);
+  void deleteQueuedLists();
+  // Releases the objects' lists in this scene's context when one is current.
+  void releaseListsInCurrent();
+  bool openBitmapContext(HDC dc, HGLRC& rc);
+  void dropBitmapContext();
 
   std::vector<std::vector<double>> m_frustumPlanes;
+  int m_regionSize[2] = {0, 0};  // the tile being drawn, 0 for a whole frame
   HWND m_hWnd = nullptr;
   HGLRC m_hRC = nullptr;
   HDC m_hDC = nullptr;

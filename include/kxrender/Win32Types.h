@@ -24,6 +24,9 @@ typedef KxWindow* HWND;
 typedef KxDeviceContext* HDC;
 typedef KxGLContext* HGLRC;
 ///@}
+struct KxBitmap;
+typedef KxBitmap* HBITMAP;
+typedef void* HGDIOBJ;
 
 /// A rectangle in pixels: left, top, right, bottom.
 struct RECT {
@@ -45,6 +48,19 @@ struct SIZE {
   /// Width and height.
   LONG cx, cy;
   ///@}
+};
+struct BITMAPINFOHEADER {
+  DWORD biSize;
+  LONG biWidth;
+  LONG biHeight;  // positive: rows bottom-up
+  WORD biPlanes;
+  WORD biBitCount;
+  DWORD biCompression;
+  DWORD biSizeImage;
+  LONG biXPelsPerMeter;
+  LONG biYPelsPerMeter;
+  DWORD biClrUsed;
+  DWORD biClrImportant;
 };
 
 // Code pages for KxSetAnsiCodePage.
