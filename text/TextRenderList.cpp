@@ -54,6 +54,15 @@ bool CTextRenderList::getTextContour(const TextContourCacheKey& key, TextContour
   return true;
 }
 
+const TextContourCacheValue* CTextRenderList::cachedTextContour(const TextContourCacheKey& key) {
+  auto it = m_staticContourCache.find(key);
+  if (it != m_staticContourCache.end()) return &it->second;
+  TextContourCacheValue value;
+  if (!getTextContour(key, value)) return nullptr;
+  it = m_staticContourCache.find(key);
+  return it == m_staticContourCache.end() ? nullptr : &it->second;
+}
+
 void CTextRenderList::clearRenderList() {
   for (const auto& entry : m_lists) kgl->DeleteLists(entry.second, 1);
   m_lists.clear();

@@ -41,6 +41,11 @@ class KXRENDER_API CTextRenderList {
   // fail; nothing is cached then.
   static bool getTextContour(const TextContourCacheKey& key, TextContourCacheValue& value);
 
+  // The cache entry of a pair itself, filled from the glyph sources when
+  // new; null when they fail. For readers that must not copy contours
+  // (hit tests, boxes of thousands of labels).
+  static const TextContourCacheValue* cachedTextContour(const TextContourCacheKey& key);
+
   // Deletes this render list's display lists (call with their context
   // current) and forgets them.
   void clearRenderList();
