@@ -3,7 +3,8 @@
 set -euo pipefail
 PACKAGES=(build-essential cmake pkg-config libepoxy-dev libegl-dev libegl-mesa0 libgl1-mesa-dri libglu1-mesa-dev
           libx11-dev libglfw3-dev libpng-dev libfontconfig-dev libfreetype-dev
-          librecad-data fonts-wqy-microhei libgtest-dev libgmock-dev libbenchmark-dev xvfb xauth)
+          librecad-data fonts-wqy-microhei libgtest-dev libgmock-dev libbenchmark-dev xvfb xauth
+          clang libclang-rt-14-dev)
 missing=()
 for p in "${PACKAGES[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
