@@ -102,7 +102,8 @@ bool loadModel(CSceneMgr& scene, const ModelChoice& m) {
     hasView = extras.hasView;
     printCounts(m.sceneFile, KxCountModel(*scene.getObjSetMgr()), elapsed());
   } else {
-    const KxModelCounts c = KxBuildTower(*scene.getObjSetMgr(), m.storeys, m.bays);
+    // Room labels as real text ("房间" and the room number) in a system font.
+    const KxModelCounts c = KxBuildTower(*scene.getObjSetMgr(), m.storeys, m.bays, "宋体");
     scene.getObjSetMgr()->freshBox();
     markSelection(*scene.getObjSetMgr());
     printCounts("tower S=" + std::to_string(m.storeys) + " B=" + std::to_string(m.bays), c, elapsed());
