@@ -78,19 +78,15 @@ bool shxCode(const CString& ch, unsigned& code, int& kind) {
     kind = 1;
     return true;
   }
-  if (GetACP() == 936 && n == 2) {
+  if (n == 2 && GetACP() != CP_UTF8) {
     code = b0 * 256u + static_cast<unsigned char>(ch[1]);
     kind = 2;
     return true;
   }
-  WCHAR units[2];
-  if (utf16Units(ch, units) != 1) return false;
-  char bytes[4];
-  BOOL usedDefault = FALSE;
-  if (WideCharToMultiByte(936, 0, units, 1, bytes, sizeof bytes, nullptr, &usedDefault) != 2 || usedDefault)
-    return false;
-  code = static_cast<unsigned char>(bytes[0]) * 256u + static_cast<unsigned char>(bytes[1]);
-  kind = 2;
+  uint32_t cp;
+  if (!codePoint(ch, cp)) return false;
+  code = cp;
+  kind = 3;
   return true;
 }
 

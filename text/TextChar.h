@@ -24,10 +24,11 @@ bool utf16Code(const CString& ch, uint16_t& code);
 // The first character as a Unicode code point; false as utf16Code.
 bool codePoint(const CString& ch, uint32_t& cp);
 
-// The code an SHX font knows the character by: the byte itself for a
-// single-byte character (kind 1), and lead byte * 256 + trail byte in code
-// page 936 for a double-byte one (kind 2, big fonts are GB2312 tables),
-// whatever the active code page. False when the character has no such code.
+// The code an SHX font is asked for the character by: the byte itself for
+// a single-byte character (kind 1), lead byte * 256 + trail byte for a
+// double-byte one (kind 2), and the code point for a longer UTF-8 sequence
+// (kind 3; the reader converts it for big fonts). False for an incomplete
+// character.
 bool shxCode(const CString& ch, unsigned& code, int& kind);
 
 // A UTF-8 text in the active code page (the engine's own literals).

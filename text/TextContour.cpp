@@ -7,6 +7,7 @@
 #include "kxrender/CTextContour.h"
 #include "text/CxfReader.h"
 #include "text/OsGlyph.h"
+#include "text/ShapeInfo.h"
 #include "text/TextChar.h"
 
 #ifndef KXRENDER_DATA_DIR
@@ -134,8 +135,14 @@ bool CTextContour::getContourFromOs(const CString& font, const CString& ch, Cont
   return kxtext::codePoint(ch, cp) && kxtext::osGlyphOutline(font, cp, contours);
 }
 
-bool CTextContour::getContourFromShx(const CString&, const CString&, Contours&) {
-  // Shape fonts are read by the SHX reader; without it no shape font is
-  // known and the dispatch falls back to the line font.
-  return false;
+bool CTextContour::getContourFromShx(const CString& font, const CString& ch, Contours& contours) {
+  unsigned code;
+  int kind;
+  if (!kxtext::shxCode(ch, code, kind)) return false;
+  CShapeInfo info;
+  if (!info.Init(m_fontDir + font)) return false;
+  CShape shape;
+  if (!info.GetShape(code, kind, shape)) return false;
+  shape.appendContours(contours);
+  return !contours.empty();
 }
