@@ -247,6 +247,40 @@ void drawSnapMarker(CSceneMgr& scene, const AcGePoint3d& point, CRenderObject::S
   }
 }
 
+// Reads the frame back into a PNG file.
+bool writeFrame(HWND window, const std::string& out) {
+  std::vector<uint8_t> pixels;
+  int w = 0, h = 0;
+  if (!KxReadWindowPixels(window, pixels, w, h)) {
+    std::fprintf(stderr, "kxdemo: could not read the frame back\n");
+    return false;
+  }
+  std::error_code ec;
+  const std::filesystem::path parent = std::filesystem::path(out).parent_path();
+  if (!parent.empty()) std::filesystem::create_directories(parent, ec);
+  if (!KxWritePng(out, pixels, w, h)) {
+    std::fprintf(stderr, "kxdemo: could not write %s\n", out.c_str());
+    return false;
+  }
+  std::printf("kxdemo: %dx%d frame written to %s\n", w, h, out.c_str());
+  return true;
+}
+
+// The room labels are inside the tower: a plan of the top storey with the
+// roof (the last object) hidden, zoomed to its first room.
+bool writeLabelPlan(CSceneMgr& scene, HWND window, int storeys, const std::string& out) {
+  auto& objects = scene.getObjSetMgr()->objects();
+  if (objects.empty()) return true;
+  objects.rbegin()->second->setVisible(false);
+  scene.camera()->ReSet(AcGeVector3d(0, 0, 0), AcGeVector3d(0, 1, 0), AcGeVector3d(0, 0, -1));
+  scene.zoomE();
+  const double z = 3.0 * (storeys - 1) + 1.5;
+  scene.zoomW(AcGePoint3d(0.5, 0.5, z), AcGePoint3d(10.5, 4.5, z));
+  scene.render();
+  scene.finish();
+  return writeFrame(window, out);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -310,20 +344,12 @@ int main(int argc, char** argv) {
   scene.draw3dOrbit();
   scene.finish();
 
-  std::vector<uint8_t> pixels;
-  int w = 0, h = 0;
-  if (!KxReadWindowPixels(window, pixels, w, h)) {
-    std::fprintf(stderr, "kxdemo: could not read the frame back\n");
-    return 1;
+  if (!writeFrame(window, out)) return 1;
+  if (model.sceneFile.empty()) {
+    const std::filesystem::path p(out);
+    const std::string plan = (p.parent_path() / (p.stem().string() + "-labels" + p.extension().string())).string();
+    if (!writeLabelPlan(scene, window, model.storeys, plan)) return 1;
   }
-  std::error_code ec;
-  const std::filesystem::path parent = std::filesystem::path(out).parent_path();
-  if (!parent.empty()) std::filesystem::create_directories(parent, ec);
-  if (!KxWritePng(out, pixels, w, h)) {
-    std::fprintf(stderr, "kxdemo: could not write %s\n", out.c_str());
-    return 1;
-  }
-  std::printf("kxdemo: %dx%d frame written to %s\n", w, h, out.c_str());
   scene.glRelease();
   KxDestroyWindow(window);
   return 0;

@@ -1,5 +1,6 @@
 #include "LffFont.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -9,6 +10,10 @@ namespace lff {
 namespace {
 
 constexpr int kMaxCopyDepth = 4;
+// Copies of copies can multiply; a glyph stops growing after this many
+// glyph visits or strokes, so that a hostile file cannot blow up.
+constexpr int kMaxVisits = 256;
+constexpr size_t kMaxStrokes = 4096;
 constexpr double kPi = 3.14159265358979323846;
 
 std::string trim(const std::string& s) {
@@ -55,15 +60,17 @@ bool parseVertex(const std::string& s, Vertex& v) {
   return true;
 }
 
-void appendExpanded(const Font& font, uint32_t code, int depth, std::vector<uint32_t>& path,
+void appendExpanded(const Font& font, uint32_t code, int depth, int& visits, std::vector<uint32_t>& path,
                     std::vector<Polyline>& out) {
   auto it = font.glyphs.find(code);
-  if (it == font.glyphs.end() || depth > kMaxCopyDepth) return;
+  if (it == font.glyphs.end() || depth > kMaxCopyDepth || ++visits > kMaxVisits || out.size() >= kMaxStrokes) return;
   for (uint32_t seen : path)
     if (seen == code) return;
   path.push_back(code);
-  for (uint32_t c : it->second.copies) appendExpanded(font, c, depth + 1, path, out);
-  out.insert(out.end(), it->second.strokes.begin(), it->second.strokes.end());
+  for (uint32_t c : it->second.copies) appendExpanded(font, c, depth + 1, visits, path, out);
+  const auto& strokes = it->second.strokes;
+  const size_t room = kMaxStrokes - std::min(out.size(), kMaxStrokes);
+  out.insert(out.end(), strokes.begin(), strokes.begin() + std::ptrdiff_t(std::min(strokes.size(), room)));
   path.pop_back();
 }
 
@@ -154,7 +161,8 @@ bool parse(std::istream& in, Font& font) {
 std::vector<Polyline> expandedStrokes(const Font& font, uint32_t code) {
   std::vector<Polyline> out;
   std::vector<uint32_t> path;
-  appendExpanded(font, code, 0, path, out);
+  int visits = 0;
+  appendExpanded(font, code, 0, visits, path, out);
   return out;
 }
 

@@ -33,7 +33,8 @@ struct Font {
 bool parse(std::istream& in, Font& font);
 
 // The strokes of a glyph with every copied glyph expanded in place; copies
-// nested deeper than a few levels, or looping back, are left out.
+// nested deeper than a few levels, looping back, or past a fixed budget of
+// visits and strokes are left out.
 std::vector<Polyline> expandedStrokes(const Font& font, uint32_t code);
 
 // Writes the font as a line font in the "QCad II Font" CXF form: straight
