@@ -103,7 +103,8 @@ bool loadModel(CSceneMgr& scene, const ModelChoice& m) {
     hasView = extras.hasView;
     printCounts(m.sceneFile, KxCountModel(*scene.getObjSetMgr()), elapsed());
   } else {
-    const KxModelCounts c = KxBuildTower(*scene.getObjSetMgr(), m.storeys, m.bays);
+    // Room labels as real text ("房间" and the room number) in a system font.
+    const KxModelCounts c = KxBuildTower(*scene.getObjSetMgr(), m.storeys, m.bays, "宋体");
     scene.getObjSetMgr()->freshBox();
     markSelection(*scene.getObjSetMgr());
     printCounts("tower S=" + std::to_string(m.storeys) + " B=" + std::to_string(m.bays), c, elapsed());
@@ -229,6 +230,40 @@ void castShadows(CSceneMgr& scene) {
   scene.zoomE();
 }
 
+// Reads the frame back into a PNG file.
+bool writeFrame(HWND window, const std::string& out) {
+  std::vector<uint8_t> pixels;
+  int w = 0, h = 0;
+  if (!KxReadWindowPixels(window, pixels, w, h)) {
+    std::fprintf(stderr, "kxdemo: could not read the frame back\n");
+    return false;
+  }
+  std::error_code ec;
+  const std::filesystem::path parent = std::filesystem::path(out).parent_path();
+  if (!parent.empty()) std::filesystem::create_directories(parent, ec);
+  if (!KxWritePng(out, pixels, w, h)) {
+    std::fprintf(stderr, "kxdemo: could not write %s\n", out.c_str());
+    return false;
+  }
+  std::printf("kxdemo: %dx%d frame written to %s\n", w, h, out.c_str());
+  return true;
+}
+
+// The room labels are inside the tower: a plan of the top storey with the
+// roof (the last object) hidden, zoomed to its first room.
+bool writeLabelPlan(CSceneMgr& scene, HWND window, int storeys, const std::string& out) {
+  auto& objects = scene.getObjSetMgr()->objects();
+  if (objects.empty()) return true;
+  objects.rbegin()->second->setVisible(false);
+  scene.camera()->ReSet(AcGeVector3d(0, 0, 0), AcGeVector3d(0, 1, 0), AcGeVector3d(0, 0, -1));
+  scene.zoomE();
+  const double z = 3.0 * (storeys - 1) + 1.5;
+  scene.zoomW(AcGePoint3d(0.5, 0.5, z), AcGePoint3d(10.5, 4.5, z));
+  scene.render();
+  scene.finish();
+  return writeFrame(window, out);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -308,6 +343,11 @@ int main(int argc, char** argv) {
   }
   const double ms = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
   std::printf("kxdemo: %dx%d picture written to %s (%.0f ms)\n", width, height, out.c_str(), ms);
+  if (model.sceneFile.empty()) {
+    const std::filesystem::path p(out);
+    const std::string plan = (p.parent_path() / (p.stem().string() + "-labels" + p.extension().string())).string();
+    if (!writeLabelPlan(scene, window, model.storeys, plan)) return 1;
+  }
   scene.glRelease();
   KxDestroyWindow(window);
   return 0;

@@ -1,6 +1,6 @@
 // Build, frame and pick timings of the reference building ("tower"), off
 // screen on Mesa, with the frame limit measured in the same context.
-//   kxbench [--sizes=M,XL] [--width=1280 --height=720] [--poster=0] [google benchmark flags]
+//   kxbench [--sizes=M,XL,text] [--width=1280 --height=720] [--poster=0] [google benchmark flags]
 // The poster (a tiled 20000 x 14000 PNG) is rendered once for tower-M.
 #include <benchmark/benchmark.h>
 #include <epoxy/gl.h>
@@ -21,6 +21,9 @@
 #include "BenchTable.h"
 #include "LimitDraw.h"
 #include "kxrender/CSceneMgr.h"
+#include "kxrender/CObjectSetMgr.h"
+#include "kxrender/CRenderObject.h"
+#include "kxrender/KxTextLayout.h"
 #include "kxrender/KxTowerModel.h"
 #include "kxrender/KxWindow.h"
 
@@ -107,7 +110,26 @@ void timed(benchmark::State& state, Fn fn) {
   }
 }
 
+// The text workload: 10,000 room labels of six characters ("房间" and four
+// digits) in a system font, one object each, on a 100 x 100 grid.
+KxModelCounts buildLabels(CObjectSetMgr& set) {
+  KxModelCounts c;
+  for (int i = 0; i < 10000; ++i) {
+    char label[32];
+    std::snprintf(label, sizeof label, "\xE6\x88\xBF\xE9\x97\xB4%04d", i);
+    CRenderObject* o = new CRenderObject;
+    KxAddTextLine(*o, label, "宋体", 0.5, AcGePoint3d(4.0 * (i % 100), 2.0 * (i / 100), 0.0), AcGeVector3d(1, 0, 0),
+                  AcGeVector3d(0, 1, 0), CColor(70, 70, 80, 255));
+    o->endAddShape();
+    set.addObject(o);
+    ++c.objects;
+  }
+  return c;
+}
+
+// Size "text" times the text workload's build and frames only.
 void registerSize(const std::string& size, int storeys, int bays) {
+  const bool labels = size == "text";
   auto reg = [&](const std::string& metric, int repetitions, auto fn) {
     benchmark::RegisterBenchmark((metric + "/" + size).c_str(), fn)
         ->UseManualTime()
@@ -116,7 +138,7 @@ void registerSize(const std::string& size, int storeys, int bays) {
         ->ReportAggregatesOnly(repetitions > 1)
         ->Unit(benchmark::kMillisecond);
   };
-  reg(BenchTable::kBuild, 1, [storeys, bays](benchmark::State& state) {
+  reg(BenchTable::kBuild, 1, [storeys, bays, labels](benchmark::State& state) {
     for (auto _ : state) {
       g_model.reset(new Model);
       g_model->window = KxCreateOffscreenWindow(g_width, g_height);
@@ -126,7 +148,8 @@ void registerSize(const std::string& size, int storeys, int bays) {
         return;
       }
       const Clock::time_point t0 = Clock::now();
-      g_model->counts = KxBuildTower(*g_model->scene->getObjSetMgr(), storeys, bays);
+      g_model->counts = labels ? buildLabels(*g_model->scene->getObjSetMgr())
+                               : KxBuildTower(*g_model->scene->getObjSetMgr(), storeys, bays);
       state.SetIterationTime(msSince(t0) / 1000.0);
       viewModel(*g_model->scene);
       g_model->range = g_model->scene->dRange();
@@ -134,6 +157,7 @@ void registerSize(const std::string& size, int storeys, int bays) {
   });
   reg(BenchTable::kFirstFrame, 1, [](benchmark::State& state) { timed(state, [] { g_model->frame(); }); });
   reg(BenchTable::kSteadyFrame, 30, [](benchmark::State& state) { timed(state, [] { g_model->frame(); }); });
+  if (labels) return;
   reg(BenchTable::kAccelerateFrame, 30, [](benchmark::State& state) {
     g_model->scene->setAccelerate(true);
     g_model->frame();  // settle before timing
@@ -281,7 +305,7 @@ void posterRow(BenchTable& table, const std::string& size) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::vector<std::string> sizes = {"M", "XL"};
+  std::vector<std::string> sizes = {"M", "XL", "text"};
   std::vector<char*> rest;
   bool poster = true;
   for (int i = 0; i < argc; ++i) {
@@ -314,8 +338,8 @@ int main(int argc, char** argv) {
       storeys = kTowerMStoreys, bays = kTowerMBays;
     } else if (size == "XL") {
       storeys = kTowerXLStoreys, bays = kTowerXLBays;
-    } else if (std::sscanf(size.c_str(), "%dx%d", &storeys, &bays) != 2) {
-      std::fprintf(stderr, "kxbench: sizes are M, XL or STOREYSxBAYS, not %s\n", size.c_str());
+    } else if (size != "text" && std::sscanf(size.c_str(), "%dx%d", &storeys, &bays) != 2) {
+      std::fprintf(stderr, "kxbench: sizes are M, XL, text or STOREYSxBAYS, not %s\n", size.c_str());
       return 2;
     }
     registerSize(size, storeys, bays);
