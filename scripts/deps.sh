@@ -2,7 +2,8 @@
 # Installs the Debian 12 packages the build and tests need, if missing.
 set -euo pipefail
 PACKAGES=(build-essential cmake pkg-config libepoxy-dev libegl-dev libegl-mesa0 libgl1-mesa-dri libglu1-mesa-dev
-          libx11-dev libglfw3-dev libpng-dev libgtest-dev libgmock-dev libbenchmark-dev xvfb xauth)
+          libx11-dev libglfw3-dev libpng-dev libgtest-dev libgmock-dev libbenchmark-dev xvfb xauth
+          libassimp-dev assimp-testmodels libimgui-dev xdotool)
 missing=()
 for p in "${PACKAGES[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
