@@ -1,0 +1,39 @@
+// The tags of the selected object in a small Dear ImGui panel, drawn with
+// ImGui's fixed-function backend in the scene's own context.
+#include <imgui.h>
+
+#include "Viewer.h"
+#include <imgui_impl_opengl2.h>
+
+void Viewer::drawPanel() {
+  if (!m_imgui) {
+    ImGui::CreateContext();
+    ImGui::GetIO().IniFilename = nullptr;  // no imgui.ini beside the model
+    ImGui_ImplOpenGL2_Init();
+    m_imgui = true;
+  }
+  ImGuiIO& io = ImGui::GetIO();
+  io.DisplaySize = ImVec2(float(m_scene.getViewWidth()), float(m_scene.getViewHeight()));
+  io.DeltaTime = 1.0f / 30.0f;
+  ImGui_ImplOpenGL2_NewFrame();
+  ImGui::NewFrame();
+  const CRenderObject* o = m_selection.empty() ? nullptr : m_scene.getObj(m_selection.back());
+  if (o && o->numShp() > 0) {
+    ImGui::SetNextWindowPos(ImVec2(8, 8));
+    ImGui::SetNextWindowBgAlpha(0.75f);
+    ImGui::Begin("Selection", nullptr,
+                 ImGuiWindowFlags_NoInputs | ImGuiWindowFlags_AlwaysAutoResize | ImGuiWindowFlags_NoSavedSettings);
+    ImGui::Text("object %u  (%zu selected)", o->getId(), m_selection.size());
+    for (const auto& [key, value] : o->getShape(0).getXdataMap())
+      ImGui::Text("%s: %s", key.GetString(), value.GetString());
+    ImGui::End();
+  }
+  ImGui::Render();
+  ImGui_ImplOpenGL2_RenderDrawData(ImGui::GetDrawData());
+}
+
+void shutdownPanel() {
+  if (!ImGui::GetCurrentContext()) return;
+  ImGui_ImplOpenGL2_Shutdown();
+  ImGui::DestroyContext();
+}
