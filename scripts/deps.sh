@@ -3,7 +3,7 @@
 set -euo pipefail
 PACKAGES=(build-essential cmake pkg-config libepoxy-dev libegl-dev libegl-mesa0 libgl1-mesa-dri libglu1-mesa-dev
           libx11-dev libglfw3-dev libpng-dev libgtest-dev libgmock-dev libbenchmark-dev xvfb xauth
-          libassimp-dev assimp-testmodels libimgui-dev xdotool)
+          clang libclang-rt-14-dev libassimp-dev assimp-testmodels libimgui-dev)
 missing=()
 for p in "${PACKAGES[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
