@@ -18,6 +18,7 @@
 
 #include "import/IfcNodeName.h"
 #include "import/MeshEdges.h"
+#include "kxrender/AcGeLineSeg3d.h"
 #include "kxrender/CRenderObject.h"
 
 namespace {
@@ -255,6 +256,14 @@ bool importScene(Assimp::Importer& importer, const aiScene* scene, Progress& pro
     }
     o->setXdata(CString(p.name));
     o->endAddShape();
+    if (options.snapCurves) {
+      // The hit lines are the edges a user snaps to.
+      std::vector<AcGeCurve3d*> curves;
+      for (const CRenderShape& s : o->getShps())
+        for (const auto& line : s.getHitLine())
+          for (size_t k = 1; k < line.size(); ++k) curves.push_back(new AcGeLineSeg3d(line[k - 1], line[k]));
+      o->setSnapCurves(curves);
+    }
     if (o->numShp() == 0) {
       delete o;
       continue;

@@ -18,14 +18,20 @@ void Viewer::drawPanel() {
   ImGui_ImplOpenGL2_NewFrame();
   ImGui::NewFrame();
   const CRenderObject* o = m_selection.empty() ? nullptr : m_scene.getObj(m_selection.back());
-  if (o && o->numShp() > 0) {
+  if ((o && o->numShp() > 0) || m_measuring) {
     ImGui::SetNextWindowPos(ImVec2(8, 8));
     ImGui::SetNextWindowBgAlpha(0.75f);
     ImGui::Begin("Selection", nullptr,
                  ImGuiWindowFlags_NoInputs | ImGuiWindowFlags_AlwaysAutoResize | ImGuiWindowFlags_NoSavedSettings);
-    ImGui::Text("object %u  (%zu selected)", o->getId(), m_selection.size());
-    for (const auto& [key, value] : o->getShape(0).getXdataMap())
-      ImGui::Text("%s: %s", key.GetString(), value.GetString());
+    if (o && o->numShp() > 0) {
+      ImGui::Text("object %u  (%zu selected)", o->getId(), m_selection.size());
+      for (const auto& [key, value] : o->getShape(0).getXdataMap())
+        ImGui::Text("%s: %s", key.GetString(), value.GetString());
+    }
+    if (m_measuring && m_measured == 2)
+      ImGui::Text("distance: %.4f", m_from.distanceTo(m_to));
+    else if (m_measuring)
+      ImGui::Text("distance: click %s point", m_measured == 1 ? "the second" : "a first");
     ImGui::End();
   }
   ImGui::Render();

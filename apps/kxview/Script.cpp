@@ -56,6 +56,10 @@ bool runLine(Viewer& v, const std::string& line) {
       l = std::min<int>(l, s.x), r = std::max<int>(r, s.x), t = std::min<int>(t, s.y), b = std::max<int>(b, s.y);
     }
     std::printf("kxview: locate %d %d %d %d %d\n", n, l, t, r, b);
+  } else if (double wx, wy, wz; cmd == "project" && in >> wx >> wy >> wz) {
+    v.draw();
+    const CPoint s = v.scene().world2screen(AcGePoint3d(wx, wy, wz));
+    std::printf("kxview: project %g %g %g at %ld %ld\n", wx, wy, wz, long(s.x), long(s.y));
   } else if (cmd == "screenshot" && in >> word) {
     // Twice, as a live window would have been: the panel sizes itself to
     // its text in its first frame and shows from the second.

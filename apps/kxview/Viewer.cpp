@@ -98,6 +98,10 @@ void Viewer::setPreselection(unsigned id) {
 void Viewer::onMove(int x, int y) {
   const int dx = x - m_lastX, dy = y - m_lastY;
   m_lastX = x, m_lastY = y;
+  if (m_buttonDown < 0 && m_measuring) {
+    measureMove(x, y);
+    return;
+  }
   if (m_buttonDown < 0) {
     unsigned id = 0, shape = 0;
     setPreselection(m_scene.pick(CPoint(x, y), id, shape, 0, nullptr, true) ? id : 0);
@@ -130,6 +134,10 @@ void Viewer::onButton(Button b, bool down, int x, int y, bool shift, bool ctrl, 
   if (m_zoomWindowNext && m_dragging) {
     m_zoomWindowNext = false;
     m_scene.zoomW(CPoint(m_downX, m_downY), CPoint(x, y));
+    return;
+  }
+  if (m_measuring && !m_dragging) {
+    measureClick();
     return;
   }
   std::vector<unsigned> ids;
@@ -168,7 +176,18 @@ void Viewer::onKey(int key) {
       exportPng("kxview.png", 2 * w, 2 * h);
       break;
     }
-    case 27: select({}, false); break;
+    case 'd':
+      m_measuring = !m_measuring;
+      m_measured = 0;
+      m_snapped = false;
+      break;
+    case 27:
+      if (m_measuring) {
+        m_measuring = false;
+        break;
+      }
+      select({}, false);
+      break;
     case 'q': m_quit = true; break;
     default: break;
   }
@@ -176,13 +195,12 @@ void Viewer::onKey(int key) {
 
 void Viewer::onResize() { KxNotifyWindowResized(m_window); }
 
-void Viewer::drawRubberBand() {
-  if (m_buttonDown != kLeft || !m_dragging) return;
-  const double w = m_scene.getViewWidth(), h = m_scene.getViewHeight();
+// Window pixels (origin top left) over the frame, nothing hiding them.
+void Viewer::beginOverlay() {
   glMatrixMode(GL_PROJECTION);
   glPushMatrix();
   glLoadIdentity();
-  glOrtho(0, w, h, 0, -1, 1);
+  glOrtho(0, m_scene.getViewWidth(), m_scene.getViewHeight(), 0, -1, 1);
   glMatrixMode(GL_MODELVIEW);
   glPushMatrix();
   glLoadIdentity();
@@ -190,6 +208,21 @@ void Viewer::drawRubberBand() {
   glDisable(GL_DEPTH_TEST);
   glDisable(GL_LIGHTING);
   glDisable(GL_TEXTURE_2D);
+  glDisable(GL_POLYGON_STIPPLE);
+  glDisable(GL_LINE_STIPPLE);
+}
+
+void Viewer::endOverlay() {
+  glPopAttrib();
+  glPopMatrix();
+  glMatrixMode(GL_PROJECTION);
+  glPopMatrix();
+  glMatrixMode(GL_MODELVIEW);
+}
+
+void Viewer::drawRubberBand() {
+  if (m_buttonDown != kLeft || !m_dragging) return;
+  beginOverlay();
   // Window selection solid, crossing selection dashed.
   const bool crossing = m_lastX < m_downX;
   if (crossing) {
@@ -204,11 +237,7 @@ void Viewer::drawRubberBand() {
   glVertex2d(m_lastX + 0.5, m_lastY + 0.5);
   glVertex2d(m_downX + 0.5, m_lastY + 0.5);
   glEnd();
-  glPopAttrib();
-  glPopMatrix();
-  glMatrixMode(GL_PROJECTION);
-  glPopMatrix();
-  glMatrixMode(GL_MODELVIEW);
+  endOverlay();
 }
 
 void Viewer::draw() {
@@ -216,6 +245,7 @@ void Viewer::draw() {
   m_scene.render();
   if (m_orbiting) m_scene.draw3dOrbit();
   drawRubberBand();
+  if (m_measuring) drawMeasure();
   if (m_panel) drawPanel();
   m_scene.finish();
 }

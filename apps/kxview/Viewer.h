@@ -32,6 +32,7 @@ class Viewer {
   bool screenshot(const std::string& path);
 
   const std::vector<unsigned>& selection() const { return m_selection; }
+  bool measuring() const { return m_measuring; }
   CSceneMgr& scene() { return m_scene; }
   bool wantsQuit() const { return m_quit; }
 
@@ -43,6 +44,12 @@ class Viewer {
   void drawPanel();
   bool m_imgui = false;
   void printSelection() const;
+  // The distance tool: snap markers under the cursor, two clicks measure.
+  void measureMove(int x, int y);
+  void measureClick();
+  void drawMeasure();
+  void beginOverlay();
+  void endOverlay();
 
   CSceneMgr m_scene;
   HWND m_window = nullptr;
@@ -58,4 +65,10 @@ class Viewer {
   bool m_orbiting = false;
   bool m_quit = false;
   bool m_panel = false;
+  bool m_measuring = false;
+  bool m_snapped = false;
+  AcGePoint3d m_snapPoint;
+  CRenderObject::SnapMode m_snapKind = CRenderObject::kSnapNone;
+  int m_measured = 0;  // points taken: 0, 1 or 2
+  AcGePoint3d m_from, m_to;
 };

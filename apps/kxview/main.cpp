@@ -6,8 +6,9 @@
 // (left to right: objects inside, right to left: objects crossing), ctrl
 // adds to the selection. Keys: e extents, w zoom window (then drag), z
 // zoom to selection, p / n previous / next view, m wire frame or shaded,
-// s shadows, t transparency, i tag panel, x export PNG (twice the window
-// size, kxview.png), Esc clears the selection, q quits. Drop a file on the
+// s shadows, t transparency, i tag panel, d distance tool (snap markers;
+// click two snap points), x export PNG (twice the window size,
+// kxview.png), Esc leaves the tool or clears the selection, q quits. Drop a file on the
 // window to open it.
 #include <GLFW/glfw3.h>
 #include <X11/Xlib.h>

@@ -29,6 +29,9 @@ struct KxImportOptions {
   // Formats whose convention is y up (glTF, and IFC as read) are turned so
   // that z is up, as the engine's views expect.
   bool zUp = true;
+  // Every hit line segment also becomes a snap curve of its object, so
+  // that end points, mid points and edges can be snapped to.
+  bool snapCurves = true;
   // Called with the fraction done (0 to 1) and the phase ("reading",
   // "building"); returning false cancels the import.
   std::function<bool(double fraction, const char* phase)> progress;

@@ -125,18 +125,18 @@ TEST_F(ModelImport, FormatsGiveObjectsWithNormalsColoursAndHitLines) {
   write("quad.bin", quadBin());
   struct Row {
     std::string file, content;
-    size_t objects, triangles, hitLines;
+    size_t objects, triangles, hitLines, snapCurves;  // snap curves of the first object
     CColor color;  // of the first shape; alpha 0 means not checked
     bool axisNormals;
   } rows[] = {
       // No normals in the file: crease normals split at every cube edge.
-      {"cube.obj", "mtllib red.mtl\n" + cubeObj("Box") + "usemtl red\n" + cubeFaces(1), 1, 12, 12, CColor(255, 0, 0, 128),
+      {"cube.obj", "mtllib red.mtl\n" + cubeObj("Box") + "usemtl red\n" + cubeFaces(1), 1, 12, 12, 12, CColor(255, 0, 0, 128),
        true},
-      {"two.obj", cubeObj("A") + cubeFaces(1) + cubeObj("B") + cubeFaces(9), 2, 24, 24, CColor(0, 0, 0, 0), true},
-      {"cube_text.stl", cubeStlText(), 1, 12, 12, CColor(0, 0, 0, 0), true},
-      {"cube_bin.stl", cubeStlBinary(), 1, 12, 12, CColor(0, 0, 0, 0), true},
+      {"two.obj", cubeObj("A") + cubeFaces(1) + cubeObj("B") + cubeFaces(9), 2, 24, 24, 12, CColor(0, 0, 0, 0), true},
+      {"cube_text.stl", cubeStlText(), 1, 12, 12, 12, CColor(0, 0, 0, 0), true},
+      {"cube_bin.stl", cubeStlBinary(), 1, 12, 12, 12, CColor(0, 0, 0, 0), true},
       // The quad's boundary is one loop; y up becomes z up: normal -y.
-      {"quad.gltf", kQuadGltf, 1, 2, 1, CColor(0, 0, 255, 255), true},
+      {"quad.gltf", kQuadGltf, 1, 2, 1, 4, CColor(0, 0, 255, 255), true},
   };
   for (const Row& r : rows) {
     CObjectSetMgr set;
@@ -148,6 +148,7 @@ TEST_F(ModelImport, FormatsGiveObjectsWithNormalsColoursAndHitLines) {
     EXPECT_EQ(set.numObjs(), r.objects) << r.file;
     EXPECT_EQ(result.triangles, r.triangles) << r.file;
     EXPECT_EQ(result.hitLines, r.hitLines) << r.file;
+    EXPECT_EQ(set.getObj(result.ids[0])->getSnapCurves().size(), r.snapCurves) << r.file;
     const CRenderShape& s = set.getObj(result.ids[0])->getShape(0);
     const ShapeFacts f = facts(s);
     EXPECT_EQ(f.axisNormals, r.axisNormals) << r.file;

@@ -69,6 +69,10 @@ class Kxview : public ::testing::Test {
   fs::path dir;
 };
 
+struct CPointXY {
+  int x = 0, y = 0;
+};
+
 struct Rect {
   int l, t, r, b;
   int cx() const { return (l + r) / 2; }
@@ -90,15 +94,24 @@ int changed(const std::vector<uint8_t>& a, const std::vector<uint8_t>& b, int w,
 
 }  // namespace
 
-TEST_F(Kxview, DrawsPicksSelectsZoomsAndExports) {
+TEST_F(Kxview, DrawsPicksSelectsZoomsMeasuresAndExports) {
   std::map<int, Rect> box;
-  for (const std::string& l : starting(run("locate 1\nlocate 2\nlocate 3\n"), "kxview: locate ")) {
+  const std::vector<std::string> where = run("locate 1\nlocate 2\nlocate 3\nproject 0 0 1\nproject 2 0 1\n");
+  for (const std::string& l : starting(where, "kxview: locate ")) {
     int id;
     Rect r;
     ASSERT_EQ(std::sscanf(l.c_str(), "%d %d %d %d %d", &id, &r.l, &r.t, &r.r, &r.b), 5) << l;
     box[id] = r;
   }
   ASSERT_EQ(box.size(), 3u);
+  // Two ends of the top front edge of box 1.
+  std::vector<CPointXY> corner;
+  for (const std::string& l : starting(where, "kxview: project ")) {
+    CPointXY c;
+    ASSERT_EQ(std::sscanf(l.c_str(), "%*g %*g %*g at %d %d", &c.x, &c.y), 2) << l;
+    corner.push_back(c);
+  }
+  ASSERT_EQ(corner.size(), 2u);
   const Rect& b1 = box[1];
   const Rect& b2 = box[2];
   const Rect& b3 = box[3];
@@ -113,6 +126,12 @@ TEST_F(Kxview, DrawsPicksSelectsZoomsAndExports) {
     << "drag " << b1.l - 5 << " " << b1.t - 5 << " " << b1.r + 5 << " " << b1.b + 5 << "\n"
     << "drag " << b3.cx() << " " << bandTop << " " << b2.cx() << " " << bandBottom << "\n"
     << "drag " << b2.cx() << " " << bandTop << " " << b3.cx() << " " << bandBottom << "\n"
+    // The distance tool, a few pixels off each corner.
+    << "key d\n"
+    << "move " << corner[0].x + 3 << " " << corner[0].y + 2 << "\nclick " << corner[0].x + 3 << " " << corner[0].y + 2
+    << "\nmove " << corner[1].x + 3 << " " << corner[1].y + 2 << "\nclick " << corner[1].x + 3 << " "
+    << corner[1].y + 2 << "\n"
+    << "key d\n"
     << "probe 250 200\nwheel 250 200 1\nprobe 250 200\n"
     << "export " << (dir / "export.png").string() << " 640 360\n";
   const std::vector<std::string> out = run(s.str());
@@ -148,6 +167,11 @@ TEST_F(Kxview, DrawsPicksSelectsZoomsAndExports) {
   EXPECT_NEAR(r1, r0 / 1.4, 1e-9 * r0);
   const double pixel = 2.0 * r1 / 600.0;
   EXPECT_LT(std::hypot(x1 - x0, y1 - y0), 3.0 * pixel);
+
+  const std::vector<std::string> distance = starting(out, "kxview: distance ");
+  ASSERT_EQ(distance.size(), 1u);
+  EXPECT_EQ(distance[0].rfind("2.000000 from (0.0000, 0.0000, 1.0000) to (2.0000, 0.0000, 1.0000)", 0), 0u)
+      << distance[0];
 
   std::vector<uint8_t> exported;
   ASSERT_TRUE(KxReadPng((dir / "export.png").string(), exported, w, h));
