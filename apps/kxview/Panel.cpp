@@ -6,6 +6,7 @@
 #include <imgui_impl_opengl2.h>
 
 void Viewer::drawPanel() {
+  // Also a progress bar while a file loads.
   if (!m_imgui) {
     ImGui::CreateContext();
     ImGui::GetIO().IniFilename = nullptr;  // no imgui.ini beside the model
@@ -18,7 +19,7 @@ void Viewer::drawPanel() {
   ImGui_ImplOpenGL2_NewFrame();
   ImGui::NewFrame();
   const CRenderObject* o = m_selection.empty() ? nullptr : m_scene.getObj(m_selection.back());
-  if ((o && o->numShp() > 0) || m_measuring) {
+  if (m_panel && ((o && o->numShp() > 0) || m_measuring)) {
     ImGui::SetNextWindowPos(ImVec2(8, 8));
     ImGui::SetNextWindowBgAlpha(0.75f);
     ImGui::Begin("Selection", nullptr,
@@ -32,6 +33,14 @@ void Viewer::drawPanel() {
       ImGui::Text("distance: %.4f", m_from.distanceTo(m_to));
     else if (m_measuring)
       ImGui::Text("distance: click %s point", m_measured == 1 ? "the second" : "a first");
+    ImGui::End();
+  }
+  if (m_loading >= 0.0) {
+    ImGui::SetNextWindowPos(ImVec2(io.DisplaySize.x * 0.5f, io.DisplaySize.y * 0.5f), 0, ImVec2(0.5f, 0.5f));
+    ImGui::SetNextWindowSize(ImVec2(320, 0));
+    ImGui::Begin("Loading", nullptr, ImGuiWindowFlags_NoInputs | ImGuiWindowFlags_NoSavedSettings);
+    ImGui::Text("%s", m_loadPhase);
+    ImGui::ProgressBar(float(m_loading));
     ImGui::End();
   }
   ImGui::Render();

@@ -40,12 +40,17 @@ bool Viewer::load(const std::string& path) {
     const int bar = percent * 30 / 100;
     std::fprintf(stderr, "\rkxview: %-8s [%.*s%*s] %3d%%", phase, bar, "##############################", 30 - bar, "",
                  percent);
+    // The window shows the bar too, over the model it had before.
+    m_loading = f;
+    m_loadPhase = phase;
+    if (m_scene.getHRC() && percent % 5 == 0) draw();
     return true;
   };
   CString error;
   KxImportResult result;
   const bool ok = KxImportModel(path.c_str(), *m_scene.getObjSetMgr(), error, options, &result);
   std::fprintf(stderr, "\n");
+  m_loading = -1.0;
   if (!ok) {
     std::fprintf(stderr, "kxview: %s\n", error.GetString());
     return false;
@@ -246,7 +251,7 @@ void Viewer::draw() {
   if (m_orbiting) m_scene.draw3dOrbit();
   drawRubberBand();
   if (m_measuring) drawMeasure();
-  if (m_panel) drawPanel();
+  if (m_panel || m_loading >= 0.0) drawPanel();
   m_scene.finish();
 }
 

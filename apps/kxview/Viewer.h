@@ -66,6 +66,8 @@ class Viewer {
   bool m_quit = false;
   bool m_panel = false;
   bool m_measuring = false;
+  double m_loading = -1.0;  // fraction of the file read while loading
+  const char* m_loadPhase = "";
   bool m_snapped = false;
   AcGePoint3d m_snapPoint;
   CRenderObject::SnapMode m_snapKind = CRenderObject::kSnapNone;
