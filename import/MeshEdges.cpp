@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <map>
 #include <numeric>
 #include <tuple>
@@ -30,7 +32,15 @@ AcGeVector3d unit(const AcGeVector3d& v) {
 std::vector<int> weldByPosition(const std::vector<AcGePoint3d>& pts) {
   std::vector<int> order(pts.size());
   std::iota(order.begin(), order.end(), 0);
-  auto key = [&](int i) { return std::make_tuple(pts[i].x, pts[i].y, pts[i].z); };
+  // Bit patterns order every value, NaN included; adding 0.0 makes -0.0
+  // the same position as 0.0.
+  auto bits = [](double d) {
+    d += 0.0;
+    uint64_t u;
+    std::memcpy(&u, &d, sizeof u);
+    return u;
+  };
+  auto key = [&](int i) { return std::make_tuple(bits(pts[i].x), bits(pts[i].y), bits(pts[i].z)); };
   std::stable_sort(order.begin(), order.end(), [&](int a, int b) { return key(a) < key(b); });
   std::vector<int> first(pts.size());
   for (size_t k = 0; k < order.size(); ++k)

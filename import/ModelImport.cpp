@@ -186,9 +186,15 @@ CRenderShape buildShape(const std::vector<std::pair<const aiMesh*, aiMatrix4x4>>
       d.NormalizeSafe();
       normals.emplace_back(d.x, d.y, d.z);
     }
+    auto finite = [&](unsigned i) {
+      const AcGePoint3d& p = pts[size_t(base) + i];
+      return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+    };
     for (unsigned f = 0; f < mesh->mNumFaces; ++f) {
       const aiFace& face = mesh->mFaces[f];
-      if (face.mNumIndices != 3) continue;
+      // A corner at infinity or NaN would poison the box and the sorting.
+      if (face.mNumIndices != 3 || !finite(face.mIndices[0]) || !finite(face.mIndices[1]) || !finite(face.mIndices[2]))
+        continue;
       for (int c = 0; c < 3; ++c) tris.push_back(base + int(face.mIndices[c]));
     }
   }

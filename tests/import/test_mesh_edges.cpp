@@ -56,6 +56,9 @@ TEST(MeshEdges, FeatureEdgesByAngleAndBoundary) {
   // A quad of two triangles: one closed loop round the boundary, without
   // the diagonal; a degenerate triangle adds nothing.
   const std::vector<AcGePoint3d> quad = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
+  // Corners repeated per triangle, one written -0.0: the same position.
+  const std::vector<AcGePoint3d> split = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {-0.0, 0, -0.0}, {1, 1, 0}, {0, 1, 0}};
+  EXPECT_EQ(featureLines(split, {0, 1, 2, 3, 4, 5}, 30.0).size(), 1u);
   const auto loop = featureLines(quad, {0, 1, 2, 0, 2, 3, 0, 0, 1}, 30.0);
   ASSERT_EQ(loop.size(), 1u);
   ASSERT_EQ(loop[0].size(), 5u);
