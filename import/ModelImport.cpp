@@ -12,12 +12,15 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "import/IfcNodeName.h"
 #include "import/MeshEdges.h"
+#include "import/PlyCheck.h"
 #include "kxrender/AcGeLineSeg3d.h"
 #include "kxrender/CRenderObject.h"
 
@@ -309,6 +312,14 @@ bool KxImportModel(const char* path, CObjectSetMgr& set, CString& error, const K
   if (const char* problem = contentProblem(head, std::min<size_t>(size, 2))) return fail(error, file, problem);
   const std::filesystem::path fs(file);
   const std::string ext = lower(fs.extension().string()).substr(std::min<size_t>(1, fs.extension().string().size()));
+  if (ext == "ply" || (head[0] == 'p' && head[1] == 'l')) {
+    std::ifstream whole(file, std::ios::binary);
+    const std::vector<uint8_t> bytes((std::istreambuf_iterator<char>(whole)), std::istreambuf_iterator<char>());
+    if (ext == "ply" || kximport::isPly(bytes.data(), bytes.size())) {
+      const std::string problem = kximport::plyProblem(bytes.data(), bytes.size());
+      if (!problem.empty()) return fail(error, file, problem);
+    }
+  }
   if (ext == "obj") {
     const std::string lib = missingMaterialLibrary(fs);
     if (!lib.empty()) return fail(error, file, "material library '" + lib + "' not found");
@@ -330,6 +341,11 @@ bool KxImportModelFromMemory(const void* data, size_t size, const char* formatHi
   if (!data && size) return fail(error, file, "no data");
   if (const char* problem = contentProblem(static_cast<const unsigned char*>(data), size))
     return fail(error, file, problem);
+  const auto* bytes = static_cast<const uint8_t*>(data);
+  if (ext == "ply" || kximport::isPly(bytes, size)) {
+    const std::string problem = kximport::plyProblem(bytes, size);
+    if (!problem.empty()) return fail(error, file, problem);
+  }
   Progress progress(options);
   Assimp::Importer importer;
   configure(importer, &progress);

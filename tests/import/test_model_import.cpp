@@ -92,6 +92,23 @@ std::string quadBin() {
   const uint16_t i[6] = {0, 1, 2, 0, 2, 3};
   return std::string(reinterpret_cast<const char*>(p), sizeof p) + std::string(reinterpret_cast<const char*>(i), sizeof i);
 }
+// The same quad as a binary PLY, optionally cut short.
+std::string quadPly(size_t cut = 0) {
+  std::string s =
+      "ply\nformat binary_little_endian 1.0\nelement vertex 4\nproperty float x\nproperty float y\n"
+      "property float z\nelement face 2\nproperty list uchar int vertex_indices\nend_header\n";
+  const std::string bin = quadBin();
+  s.append(bin, 0, 48);
+  for (int f = 0; f < 2; ++f) {
+    s += char(3);
+    for (int c = 0; c < 3; ++c) {
+      const int32_t i = int32_t(reinterpret_cast<const uint16_t*>(bin.data() + 48)[3 * f + c]);
+      s.append(reinterpret_cast<const char*>(&i), 4);
+    }
+  }
+  return s.substr(0, s.size() - cut);
+}
+
 const char* kQuadGltf = R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0]}],
  "nodes":[{"mesh":0,"name":"Panel"}],
  "meshes":[{"primitives":[{"attributes":{"POSITION":0},"indices":1,"material":0}]}],
@@ -126,17 +143,19 @@ TEST_F(ModelImport, FormatsGiveObjectsWithNormalsColoursAndHitLines) {
   struct Row {
     std::string file, content;
     size_t objects, triangles, hitLines, snapCurves;  // snap curves of the first object
+    size_t vertices;                                  // of its first shape
     CColor color;  // of the first shape; alpha 0 means not checked
     bool axisNormals;
   } rows[] = {
       // No normals in the file: crease normals split at every cube edge.
-      {"cube.obj", "mtllib red.mtl\n" + cubeObj("Box") + "usemtl red\n" + cubeFaces(1), 1, 12, 12, 12, CColor(255, 0, 0, 128),
+      {"cube.obj", "mtllib red.mtl\n" + cubeObj("Box") + "usemtl red\n" + cubeFaces(1), 1, 12, 12, 12, 24, CColor(255, 0, 0, 128),
        true},
-      {"two.obj", cubeObj("A") + cubeFaces(1) + cubeObj("B") + cubeFaces(9), 2, 24, 24, 12, CColor(0, 0, 0, 0), true},
-      {"cube_text.stl", cubeStlText(), 1, 12, 12, 12, CColor(0, 0, 0, 0), true},
-      {"cube_bin.stl", cubeStlBinary(), 1, 12, 12, 12, CColor(0, 0, 0, 0), true},
+      {"two.obj", cubeObj("A") + cubeFaces(1) + cubeObj("B") + cubeFaces(9), 2, 24, 24, 12, 24, CColor(0, 0, 0, 0), true},
+      {"cube_text.stl", cubeStlText(), 1, 12, 12, 12, 24, CColor(0, 0, 0, 0), true},
+      {"cube_bin.stl", cubeStlBinary(), 1, 12, 12, 12, 24, CColor(0, 0, 0, 0), true},
       // The quad's boundary is one loop; y up becomes z up: normal -y.
-      {"quad.gltf", kQuadGltf, 1, 2, 1, 4, CColor(0, 0, 255, 255), true},
+      {"quad.gltf", kQuadGltf, 1, 2, 1, 4, 4, CColor(0, 0, 255, 255), true},
+      {"quad.ply", quadPly(), 1, 2, 1, 4, 4, CColor(0, 0, 0, 0), true},
   };
   for (const Row& r : rows) {
     CObjectSetMgr set;
@@ -152,7 +171,7 @@ TEST_F(ModelImport, FormatsGiveObjectsWithNormalsColoursAndHitLines) {
     const CRenderShape& s = set.getObj(result.ids[0])->getShape(0);
     const ShapeFacts f = facts(s);
     EXPECT_EQ(f.axisNormals, r.axisNormals) << r.file;
-    EXPECT_EQ(f.vertices, r.file == "quad.gltf" ? 4u : 24u) << r.file << ": one vertex per corner and normal";
+    EXPECT_EQ(f.vertices, r.vertices) << r.file << ": one vertex per corner and normal";
     if (r.color.a) EXPECT_TRUE(f.color == r.color) << r.file;
   }
   // The glTF quad stands up in the XZ plane, named after its node.
@@ -183,6 +202,8 @@ TEST_F(ModelImport, BrokenFilesNameTheProblemAndLeaveTheSetAlone) {
       {"nolib.obj", "mtllib gone.mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n", "gone.mtl"},
       {"notex.obj", "mtllib nomap.mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nusemtl m\nf 1 2 3\n", "missing.png"},
       {"nobuffer.gltf", kQuadGltf, ""},
+      {"noend.ply", "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\n", "end_header"},
+      {"short.ply", quadPly(3), "truncated"},
   };
   for (const Row& r : rows) {
     CObjectSetMgr set;

@@ -1,0 +1,99 @@
+#include "import/PlyCheck.h"
+
+#include <map>
+#include <sstream>
+#include <vector>
+
+namespace kximport {
+
+namespace {
+
+int typeSize(const std::string& t) {
+  static const std::map<std::string, int> sizes = {
+      {"char", 1},  {"int8", 1},   {"uchar", 1},  {"uint8", 1},   {"short", 2},   {"int16", 2},
+      {"ushort", 2}, {"uint16", 2}, {"int", 4},    {"int32", 4},   {"uint", 4},    {"uint32", 4},
+      {"float", 4}, {"float32", 4}, {"double", 8}, {"float64", 8}};
+  const auto it = sizes.find(t);
+  return it == sizes.end() ? 0 : it->second;
+}
+
+struct Property {
+  int countSize = 0;  // list properties: size of the count; 0 for scalars
+  bool countSigned = false;
+  int size = 0;  // scalar or list item
+};
+struct Element {
+  uint64_t count = 0;
+  std::vector<Property> props;
+};
+
+}  // namespace
+
+bool isPly(const uint8_t* data, size_t size) {
+  return size >= 4 && data[0] == 'p' && data[1] == 'l' && data[2] == 'y' && (data[3] == '\n' || data[3] == '\r');
+}
+
+std::string plyProblem(const uint8_t* data, size_t size) {
+  const std::string text(reinterpret_cast<const char*>(data), size);
+  const size_t end = text.find("end_header");
+  if (end == std::string::npos) return "PLY header has no end_header line";
+  size_t body = text.find('\n', end);
+  if (body == std::string::npos) return "PLY file ends after its header";
+  ++body;
+  std::istringstream header(text.substr(0, end));
+  std::string line, format;
+  std::vector<Element> elements;
+  while (std::getline(header, line)) {
+    std::istringstream in(line);
+    std::string word;
+    in >> word;
+    if (word == "format") {
+      in >> format;
+    } else if (word == "element") {
+      std::string name;
+      long long count = -1;
+      if (!(in >> name >> count) || count < 0) return "PLY element line '" + line + "' has no count";
+      elements.push_back({uint64_t(count), {}});
+    } else if (word == "property") {
+      if (elements.empty()) return "PLY property before any element";
+      std::string type, countType, itemType;
+      in >> type;
+      Property p;
+      if (type == "list") {
+        in >> countType >> itemType;
+        p.countSize = typeSize(countType);
+        p.countSigned = countType.find('u') != 0;
+        p.size = typeSize(itemType);
+        if (!p.countSize || !p.size) return "PLY property line '" + line + "' has an unknown type";
+      } else if (!(p.size = typeSize(type))) {
+        return "PLY property line '" + line + "' has an unknown type";
+      }
+      elements.back().props.push_back(p);
+    }
+  }
+  if (format == "ascii") return {};
+  if (format != "binary_little_endian" && format != "binary_big_endian") return "PLY format '" + format + "' unknown";
+  const bool little = format == "binary_little_endian";
+  // Walk the body as the reader will: every element, every list length.
+  size_t at = body;
+  for (const Element& e : elements) {
+    if (e.props.empty()) continue;
+    for (uint64_t i = 0; i < e.count; ++i)
+      for (const Property& p : e.props) {
+        uint64_t items = 1;
+        if (p.countSize) {
+          if (size - at < size_t(p.countSize)) return "PLY body is truncated";
+          uint64_t n = 0;
+          for (int b = 0; b < p.countSize; ++b) n |= uint64_t(data[at + (little ? b : p.countSize - 1 - b)]) << (8 * b);
+          if (p.countSigned && (n >> (8 * p.countSize - 1)) & 1) return "PLY list has a negative length";
+          at += size_t(p.countSize);
+          items = n;
+        }
+        if (items > (size - at) / size_t(p.size)) return "PLY body is truncated";
+        at += size_t(items) * size_t(p.size);
+      }
+  }
+  return {};
+}
+
+}  // namespace kximport

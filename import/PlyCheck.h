@@ -1,0 +1,17 @@
+#pragma once
+// The PLY reader of Debian's assimp 5.2 loops for ever on a header without
+// end_header and reads past the end of a truncated binary body; files are
+// checked here first.
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace kximport {
+
+// Whether data starts like a PLY file ("ply" and a line end).
+bool isPly(const uint8_t* data, size_t size);
+// Empty when the header is whole and, for binary files, the body holds
+// every element it declares; otherwise what is wrong.
+std::string plyProblem(const uint8_t* data, size_t size);
+
+}  // namespace kximport
