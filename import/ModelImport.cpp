@@ -140,7 +140,21 @@ CColor materialColor(const aiScene& scene, unsigned index) {
   return CColor(byte(c.r), byte(c.g), byte(c.b), byte(double(c.a) * opacity));
 }
 
-// The missing texture files of the materials, relative to the model's folder.
+// Texture names come from other systems: with '\\' between folders and in
+// any case.
+bool textureExists(const std::filesystem::path& folder, std::string name) {
+  std::replace(name.begin(), name.end(), '\\', '/');
+  const std::filesystem::path rel(name);
+  std::error_code ec;
+  if (std::filesystem::exists(folder / rel, ec) || std::filesystem::exists(rel, ec)) return true;
+  const std::filesystem::path dir = (folder / rel).parent_path();
+  const std::string wanted = lower(rel.filename().string());
+  for (std::filesystem::directory_iterator it(dir, ec), end; !ec && it != end; it.increment(ec))
+    if (lower(it->path().filename().string()) == wanted) return true;
+  return false;
+}
+
+// The first texture file of the materials that cannot be found.
 std::string missingTexture(const aiScene& scene, const std::filesystem::path& folder) {
   for (unsigned m = 0; m < scene.mNumMaterials; ++m)
     for (aiTextureType type : {aiTextureType_DIFFUSE, aiTextureType_BASE_COLOR}) {
@@ -149,8 +163,7 @@ std::string missingTexture(const aiScene& scene, const std::filesystem::path& fo
         if (scene.mMaterials[m]->GetTexture(type, t, &path) != AI_SUCCESS) continue;
         const std::string p = path.C_Str();
         if (p.empty() || p[0] == '*' || scene.GetEmbeddedTexture(p.c_str())) continue;
-        std::error_code ec;
-        if (!std::filesystem::exists(folder / p, ec) && !std::filesystem::exists(p, ec)) return p;
+        if (!textureExists(folder, p)) return p;
       }
     }
   return {};
@@ -216,6 +229,14 @@ CRenderShape buildShape(const std::vector<std::pair<const aiMesh*, aiMatrix4x4>>
   counts.hitLines += lines.size();
   return s;
 }
+
+// The formats offered; assimp reads more, but those are not looked after.
+bool supported(const std::string& ext) {
+  for (const char* e : {"obj", "gltf", "glb", "stl", "ply", "3ds", "dxf", "ifc"})
+    if (ext == e) return true;
+  return false;
+}
+const char* kUnsupported = " is not a supported format (OBJ, glTF, STL, PLY, 3DS, DXF, IFC)";
 
 bool fail(CString& error, const std::string& file, const std::string& problem) {
   error = CString(file + ": " + problem);
@@ -312,6 +333,7 @@ bool KxImportModel(const char* path, CObjectSetMgr& set, CString& error, const K
   if (const char* problem = contentProblem(head, std::min<size_t>(size, 2))) return fail(error, file, problem);
   const std::filesystem::path fs(file);
   const std::string ext = lower(fs.extension().string()).substr(std::min<size_t>(1, fs.extension().string().size()));
+  if (!supported(ext)) return fail(error, file, "'." + ext + "'" + kUnsupported);
   if (ext == "ply" || (head[0] == 'p' && head[1] == 'l')) {
     std::ifstream whole(file, std::ios::binary);
     const std::vector<uint8_t> bytes((std::istreambuf_iterator<char>(whole)), std::istreambuf_iterator<char>());
@@ -338,6 +360,7 @@ bool KxImportModelFromMemory(const void* data, size_t size, const char* formatHi
                              const KxImportOptions& options, KxImportResult* result) {
   const std::string ext = lower(formatHint ? formatHint : "");
   const std::string file = "<memory" + (ext.empty() ? std::string() : "." + ext) + ">";
+  if (!supported(ext)) return fail(error, file, "'" + ext + "'" + kUnsupported);
   if (!data && size) return fail(error, file, "no data");
   if (const char* problem = contentProblem(static_cast<const unsigned char*>(data), size))
     return fail(error, file, problem);

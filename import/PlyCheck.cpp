@@ -1,5 +1,6 @@
 #include "import/PlyCheck.h"
 
+#include <algorithm>
 #include <map>
 #include <sstream>
 #include <vector>
@@ -23,8 +24,10 @@ struct Property {
   int size = 0;  // scalar or list item
 };
 struct Element {
+  std::string name;
   uint64_t count = 0;
   std::vector<Property> props;
+  std::vector<std::string> names;
 };
 
 }  // namespace
@@ -34,12 +37,23 @@ bool isPly(const uint8_t* data, size_t size) {
 }
 
 std::string plyProblem(const uint8_t* data, size_t size) {
+  // The header ends at a line that is exactly "end_header" (assimp reads on
+  // for ever otherwise).
   const std::string text(reinterpret_cast<const char*>(data), size);
-  const size_t end = text.find("end_header");
+  size_t end = std::string::npos, body = 0;
+  for (size_t at = 0; at < text.size();) {
+    size_t next = text.find('\n', at);
+    std::string line = text.substr(at, next == std::string::npos ? std::string::npos : next - at);
+    while (!line.empty() && (line.back() == '\r' || line.back() == ' ')) line.pop_back();
+    if (line == "end_header") {
+      end = at;
+      body = next == std::string::npos ? text.size() : next + 1;
+      break;
+    }
+    if (next == std::string::npos) break;
+    at = next + 1;
+  }
   if (end == std::string::npos) return "PLY header has no end_header line";
-  size_t body = text.find('\n', end);
-  if (body == std::string::npos) return "PLY file ends after its header";
-  ++body;
   std::istringstream header(text.substr(0, end));
   std::string line, format;
   std::vector<Element> elements;
@@ -53,7 +67,7 @@ std::string plyProblem(const uint8_t* data, size_t size) {
       std::string name;
       long long count = -1;
       if (!(in >> name >> count) || count < 0) return "PLY element line '" + line + "' has no count";
-      elements.push_back({uint64_t(count), {}});
+      elements.push_back({name, uint64_t(count), {}, {}});
     } else if (word == "property") {
       if (elements.empty()) return "PLY property before any element";
       std::string type, countType, itemType;
@@ -68,9 +82,18 @@ std::string plyProblem(const uint8_t* data, size_t size) {
       } else if (!(p.size = typeSize(type))) {
         return "PLY property line '" + line + "' has an unknown type";
       }
+      std::string name;
+      in >> name;
       elements.back().props.push_back(p);
+      elements.back().names.push_back(name);
     }
   }
+  // Vertices without a coordinate trip an assertion in assimp that aborts.
+  for (const Element& e : elements)
+    if (e.name == "vertex")
+      for (const char* axis : {"x", "y", "z"})
+        if (std::find(e.names.begin(), e.names.end(), axis) == e.names.end())
+          return std::string("PLY vertices have no ") + axis + " property";
   if (format == "ascii") return {};
   if (format != "binary_little_endian" && format != "binary_big_endian") return "PLY format '" + format + "' unknown";
   const bool little = format == "binary_little_endian";

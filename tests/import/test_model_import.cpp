@@ -196,13 +196,14 @@ TEST_F(ModelImport, BrokenFilesNameTheProblemAndLeaveTheSetAlone) {
   } rows[] = {
       {"empty.obj", "", "empty"},
       {"wide.obj", utf16, "UTF-16"},
-      {"notes.xyz", "just some words\n", ""},
+      {"notes.xyz", "just some words\n", "not a supported format"},
+      {"notes.obj", "just some words\n", ""},
       {"short.stl", cubeStlBinary(12).substr(0, 300), ""},
       {"bad_index.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 9\n", ""},
       {"nolib.obj", "mtllib gone.mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n", "gone.mtl"},
       {"notex.obj", "mtllib nomap.mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nusemtl m\nf 1 2 3\n", "missing.png"},
       {"nobuffer.gltf", kQuadGltf, ""},
-      {"noend.ply", "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\n", "end_header"},
+      {"noend.ply", "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nsend_header\n0\n", "end_header"},
       {"short.ply", quadPly(3), "truncated"},
   };
   for (const Row& r : rows) {
