@@ -96,10 +96,12 @@ struct Walker {
       addMetadata(node, p);
       owner = &p;
     }
-    // The emplace_back below may move objects: keep the owner by index.
+    // Children may add objects and so move the vector: keep the owner by
+    // index.
     const size_t ownerIndex = owner ? size_t(owner - objects.data()) : size_t(-1);
     for (unsigned i = 0; i < node.mNumMeshes; ++i)
-      if (node.mMeshes[i] < scene.mNumMeshes) objects[ownerIndex].parts.emplace_back(scene.mMeshes[node.mMeshes[i]], world);
+      if (node.mMeshes[i] < scene.mNumMeshes)
+        objects[ownerIndex].parts.emplace_back(scene.mMeshes[node.mMeshes[i]], world);
     for (unsigned i = 0; i < node.mNumChildren; ++i) {
       Pending* o = ownerIndex == size_t(-1) ? nullptr : &objects[ownerIndex];
       // A new IFC product or mesh node below a relationship starts afresh.

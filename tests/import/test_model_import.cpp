@@ -205,6 +205,10 @@ TEST_F(ModelImport, BrokenFilesNameTheProblemAndLeaveTheSetAlone) {
       {"nobuffer.gltf", kQuadGltf, ""},
       {"noend.ply", "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nsend_header\n0\n", "end_header"},
       {"short.ply", quadPly(3), "truncated"},
+      {"emptyface.ply",
+       "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty float y\nproperty float z\n"
+       "element face 2\nproperty list uchar int vertex_indices\nend_header\n0 0 0\n1 0 0\n0 1 0\n3 0 1 2\n0\n",
+       "no vertices"},
   };
   for (const Row& r : rows) {
     CObjectSetMgr set;
