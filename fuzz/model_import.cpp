@@ -1,7 +1,6 @@
-// Model import from memory: the first byte picks the format (even: OBJ,
-// odd: STL), the rest is the file. Whatever the bytes, the import either
-// adds objects or reports an error and leaves the set empty. PLY is left
-// out: Debian's assimp 5.2 loops for ever on some broken PLY headers.
+// Model import from memory: the first byte picks the format (OBJ, STL or
+// PLY by its value modulo 3), the rest is the file. Whatever the bytes, the
+// import either adds objects or reports an error and leaves the set empty.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -15,7 +14,8 @@ extern "C" const char* __lsan_default_suppressions() { return "leak:libassimp.so
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size < 1) return 0;
-  const char* hint = data[0] % 2 ? "stl" : "obj";
+  static const char* const kFormats[] = {"obj", "stl", "ply"};
+  const char* hint = kFormats[data[0] % 3];
   CObjectSetMgr set;
   CString error;
   KxImportResult result;
