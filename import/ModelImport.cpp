@@ -1,13 +1,11 @@
 // Model files through assimp into render objects of face meshes.
-#include "kxrender/KxModelImport.h"
-
-#include <assimp/Importer.hpp>
-#include <assimp/ProgressHandler.hpp>
 #include <assimp/material.h>
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
 
 #include <algorithm>
+#include <assimp/Importer.hpp>
+#include <assimp/ProgressHandler.hpp>
 #include <cctype>
 #include <cmath>
 #include <filesystem>
@@ -23,6 +21,7 @@
 #include "import/PlyCheck.h"
 #include "kxrender/AcGeLineSeg3d.h"
 #include "kxrender/CRenderObject.h"
+#include "kxrender/KxModelImport.h"
 
 namespace {
 

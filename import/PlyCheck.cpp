@@ -10,10 +10,10 @@ namespace kximport {
 namespace {
 
 int typeSize(const std::string& t) {
-  static const std::map<std::string, int> sizes = {
-      {"char", 1},  {"int8", 1},   {"uchar", 1},  {"uint8", 1},   {"short", 2},   {"int16", 2},
-      {"ushort", 2}, {"uint16", 2}, {"int", 4},    {"int32", 4},   {"uint", 4},    {"uint32", 4},
-      {"float", 4}, {"float32", 4}, {"double", 8}, {"float64", 8}};
+  static const std::map<std::string, int> sizes = {{"char", 1},  {"int8", 1},    {"uchar", 1},  {"uint8", 1},
+                                                   {"short", 2}, {"int16", 2},   {"ushort", 2}, {"uint16", 2},
+                                                   {"int", 4},   {"int32", 4},   {"uint", 4},   {"uint32", 4},
+                                                   {"float", 4}, {"float32", 4}, {"double", 8}, {"float64", 8}};
   const auto it = sizes.find(t);
   return it == sizes.end() ? 0 : it->second;
 }

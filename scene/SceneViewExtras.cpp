@@ -94,9 +94,7 @@ void CSceneMgr::undoCamera() {
   m_viewExtras.redoFrom = CameraRecord{false, 0, m_camera, m_dRange};
 }
 
-bool CSceneMgr::canRedoCamera() const {
-  return !m_viewExtras.redo.empty() && isCurrentView(m_viewExtras.redoFrom);
-}
+bool CSceneMgr::canRedoCamera() const { return !m_viewExtras.redo.empty() && isCurrentView(m_viewExtras.redoFrom); }
 
 bool CSceneMgr::redoCamera() {
   if (!canRedoCamera()) {

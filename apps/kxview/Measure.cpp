@@ -15,7 +15,8 @@ std::vector<std::vector<CPoint>> markerOf(CRenderObject::SnapMode k) {
   switch (k) {
     case CRenderObject::kSnapEndPoint: return {{{-r, -r}, {r, -r}, {r, r}, {-r, r}, {-r, -r}}};
     case CRenderObject::kSnapMidPoint: return {{{0, -r}, {r, r}, {-r, r}, {0, -r}}};
-    case CRenderObject::kSnapCenter: return {{{r, 0}, {4, 4}, {0, r}, {-4, 4}, {-r, 0}, {-4, -4}, {0, -r}, {4, -4}, {r, 0}}};
+    case CRenderObject::kSnapCenter:
+      return {{{r, 0}, {4, 4}, {0, r}, {-4, 4}, {-r, 0}, {-4, -4}, {0, -r}, {4, -4}, {r, 0}}};
     case CRenderObject::kSnapIntersection: return {{{-r, -r}, {r, r}}, {{-r, r}, {r, -r}}};
     case CRenderObject::kSnapPerpendicular: return {{{-r, -r}, {-r, r}, {r, r}}, {{-r, 0}, {0, 0}, {0, r}}};
     case CRenderObject::kSnapNearest: return {{{-r, -r}, {r, -r}, {-r, r}, {r, r}, {-r, -r}}};

@@ -1,9 +1,9 @@
 // The tags of the selected object in a small Dear ImGui panel, drawn with
 // ImGui's fixed-function backend in the scene's own context.
 #include <imgui.h>
+#include <imgui_impl_opengl2.h>
 
 #include "Viewer.h"
-#include <imgui_impl_opengl2.h>
 
 void Viewer::drawPanel() {
   // Also a progress bar while a file loads.

@@ -52,7 +52,8 @@ bool runLine(Viewer& v, const std::string& line) {
     o->getBox(lo, hi);
     int l = 1 << 30, t = 1 << 30, r = -(1 << 30), b = -(1 << 30);
     for (int c = 0; c < 8; ++c) {
-      const CPoint s = v.scene().world2screen(AcGePoint3d((c & 1 ? hi : lo).x, (c & 2 ? hi : lo).y, (c & 4 ? hi : lo).z));
+      const CPoint s =
+          v.scene().world2screen(AcGePoint3d((c & 1 ? hi : lo).x, (c & 2 ? hi : lo).y, (c & 4 ? hi : lo).z));
       l = std::min<int>(l, s.x), r = std::max<int>(r, s.x), t = std::min<int>(t, s.y), b = std::max<int>(b, s.y);
     }
     std::printf("kxview: locate %d %d %d %d %d\n", n, l, t, r, b);

@@ -90,7 +90,8 @@ std::string cubeStlBinary(uint32_t declared = 12) {
 std::string quadBin() {
   const float p[12] = {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0};
   const uint16_t i[6] = {0, 1, 2, 0, 2, 3};
-  return std::string(reinterpret_cast<const char*>(p), sizeof p) + std::string(reinterpret_cast<const char*>(i), sizeof i);
+  return std::string(reinterpret_cast<const char*>(p), sizeof p) +
+         std::string(reinterpret_cast<const char*>(i), sizeof i);
 }
 // The same quad as a binary PLY, optionally cut short.
 std::string quadPly(size_t cut = 0) {
@@ -144,13 +145,14 @@ TEST_F(ModelImport, FormatsGiveObjectsWithNormalsColoursAndHitLines) {
     std::string file, content;
     size_t objects, triangles, hitLines, snapCurves;  // snap curves of the first object
     size_t vertices;                                  // of its first shape
-    CColor color;  // of the first shape; alpha 0 means not checked
+    CColor color;                                     // of the first shape; alpha 0 means not checked
     bool axisNormals;
   } rows[] = {
       // No normals in the file: crease normals split at every cube edge.
-      {"cube.obj", "mtllib red.mtl\n" + cubeObj("Box") + "usemtl red\n" + cubeFaces(1), 1, 12, 12, 12, 24, CColor(255, 0, 0, 128),
+      {"cube.obj", "mtllib red.mtl\n" + cubeObj("Box") + "usemtl red\n" + cubeFaces(1), 1, 12, 12, 12, 24,
+       CColor(255, 0, 0, 128), true},
+      {"two.obj", cubeObj("A") + cubeFaces(1) + cubeObj("B") + cubeFaces(9), 2, 24, 24, 12, 24, CColor(0, 0, 0, 0),
        true},
-      {"two.obj", cubeObj("A") + cubeFaces(1) + cubeObj("B") + cubeFaces(9), 2, 24, 24, 12, 24, CColor(0, 0, 0, 0), true},
       {"cube_text.stl", cubeStlText(), 1, 12, 12, 12, 24, CColor(0, 0, 0, 0), true},
       {"cube_bin.stl", cubeStlBinary(), 1, 12, 12, 12, 24, CColor(0, 0, 0, 0), true},
       // The quad's boundary is one loop; y up becomes z up: normal -y.

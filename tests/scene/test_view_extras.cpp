@@ -17,7 +17,8 @@ View viewOf(CSceneMgr& s) {
   return {s.camera()->GetVLocation(), s.camera()->GetVForward(), s.camera()->GetVUp(), s.dRange()};
 }
 bool same(const View& a, const View& b) {
-  return a.loc.isEqualTo(b.loc) && a.fwd.isEqualTo(b.fwd) && a.up.isEqualTo(b.up) && std::fabs(a.range - b.range) < 1e-9;
+  return a.loc.isEqualTo(b.loc) && a.fwd.isEqualTo(b.fwd) && a.up.isEqualTo(b.up) &&
+         std::fabs(a.range - b.range) < 1e-9;
 }
 
 class ViewExtras : public TopViewFixture {};

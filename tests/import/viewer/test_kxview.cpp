@@ -125,12 +125,13 @@ TEST_F(Kxview, DrawsPicksSelectsZoomsMeasuresAndExports) {
     << "screenshot " << (dir / "picked.png").string() << "\n"
     << "drag " << b1.l - 5 << " " << b1.t - 5 << " " << b1.r + 5 << " " << b1.b + 5 << "\n"
     << "drag " << b3.cx() << " " << bandTop << " " << b2.cx() << " " << bandBottom << "\n"
-    << "drag " << b2.cx() << " " << bandTop << " " << b3.cx() << " " << bandBottom << "\n"
+    << "drag " << b2.cx() << " " << bandTop << " " << b3.cx() << " " << bandBottom
+    << "\n"
     // The distance tool, a few pixels off each corner.
     << "key d\n"
     << "move " << corner[0].x + 3 << " " << corner[0].y + 2 << "\nclick " << corner[0].x + 3 << " " << corner[0].y + 2
-    << "\nmove " << corner[1].x + 3 << " " << corner[1].y + 2 << "\nclick " << corner[1].x + 3 << " "
-    << corner[1].y + 2 << "\n"
+    << "\nmove " << corner[1].x + 3 << " " << corner[1].y + 2 << "\nclick " << corner[1].x + 3 << " " << corner[1].y + 2
+    << "\n"
     << "key d\n"
     << "probe 250 200\nwheel 250 200 1\nprobe 250 200\n"
     << "export " << (dir / "export.png").string() << " 640 360\n";
