@@ -1,11 +1,12 @@
 // Renders the built-in scene off-screen and writes the picture as a PNG, at
 // any size: the picture is drawn in tiles, without a window of its size.
 //   kxdemo [--out FILE] [--size WIDTHxHEIGHT] [--tower S B | --tower M | --tower XL] [--pick X,Y] [--shadow]
-//          [SCENE.json]
+//          [SCENE.json | MODEL]
 // --shadow adds a ground plane and casts every object's shadow under a sun
 // low in the south-west.
 // The model is the reference tower (4 storeys, 3 bays unless --tower says
-// otherwise), or the scene file when one is named. The pixel at the centre
+// otherwise), the scene file (.json) or the model file (IFC, OBJ, glTF,
+// STL, PLY, 3DS, DXF) when one is named. The pixel at the centre
 // of the view (or X,Y) is picked: what it hits is printed and highlighted.
 // Then, with every snap kind on, the cursor is set a few pixels off a wall
 // corner in view; the snap found there is printed.
@@ -20,6 +21,8 @@
 #include <vector>
 
 #include "kxrender/CSceneMgr.h"
+#include "kxrender/KxImage.h"
+#include "kxrender/KxModelImport.h"
 #include "kxrender/KxSceneFile.h"
 #include "kxrender/KxTowerModel.h"
 #include "kxrender/KxWindow.h"
@@ -93,7 +96,23 @@ bool loadModel(CSceneMgr& scene, const ModelChoice& m) {
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
   };
   bool hasView = false;
-  if (!m.sceneFile.empty()) {
+  const std::string ext = std::filesystem::path(m.sceneFile).extension().string();
+  if (!m.sceneFile.empty() && ext != ".json" && ext != ".JSON") {
+    // A model file (IFC, OBJ, glTF, STL...): imported with a progress bar.
+    KxImportOptions options;
+    options.progress = [](double f, const char* phase) {
+      std::fprintf(stderr, "\rkxdemo: %-8s %3d%%", phase, int(f * 100.0));
+      return true;
+    };
+    CString error;
+    const bool ok = KxImportModel(m.sceneFile.c_str(), *scene.getObjSetMgr(), error, options);
+    std::fprintf(stderr, "\n");
+    if (!ok) {
+      std::fprintf(stderr, "kxdemo: %s\n", error.GetString());
+      return false;
+    }
+    printCounts(m.sceneFile, KxCountModel(*scene.getObjSetMgr()), elapsed());
+  } else if (!m.sceneFile.empty()) {
     CString error;
     KxSceneFileExtras extras;
     if (!KxReadSceneFile(m.sceneFile.c_str(), scene, error, &extras)) {
@@ -302,7 +321,7 @@ int main(int argc, char** argv) {
     } else {
       std::fprintf(stderr,
                    "usage: kxdemo [--out FILE] [--size WIDTHxHEIGHT] [--tower S B | --tower M | --tower XL] "
-                   "[--pick X,Y] [--shadow] [SCENE.json]\n");
+                   "[--pick X,Y] [--shadow] [SCENE.json | MODEL]\n");
       return 2;
     }
   }

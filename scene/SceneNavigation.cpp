@@ -168,6 +168,7 @@ void CSceneMgr::mouseLimitRotate(CSize d, CPoint) {
 }
 
 void CSceneMgr::pushCamera(bool bMerge) {
+  m_viewExtras.redo.clear();  // a new view: nothing left to redo
   const CameraRecord rec{bMerge, _time64(nullptr), m_camera, m_dRange};
   if (m_cameraStack.empty()) {
     m_cameraStack.push_back(rec);

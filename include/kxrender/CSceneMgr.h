@@ -188,6 +188,28 @@ class KXRENDER_API CSceneMgr {
   size_t cameraHistorySize() const { return m_cameraStack.size(); }
   ///@}
 
+  // --- navigation beyond the basic set --------------------------------------
+  // Frames the union of the boxes of the objects `ids` (unknown ids are
+  // skipped) in the current view direction, the larger screen extent
+  // filling the window less `margin` (0.1: a tenth of the half extent
+  // spare on each side). Records the view first. False, changing
+  // nothing, when no listed object has a box.
+  bool zoomToObjects(const std::vector<unsigned int>& ids, double margin = 0.1);
+  // The point of the model under the window pixel pt becomes the pivot of
+  // mouseCursorRotate; over empty space the pivot rule of the other orbits
+  // applies again. Needs the matrices of a rendered frame. True when
+  // something was hit.
+  bool setCursorPivot(CPoint pt);
+  bool getCursorPivot(AcGePoint3d& pivot) const;
+  // Free orbit (limit: world z kept upright) about the cursor pivot.
+  void mouseCursorRotate(CSize d, bool limit);
+  // Undo that can be redone: records the current view for redoCamera, then
+  // popCamera. Any new view (a recorded one, or any other change of the
+  // camera or range) clears what could be redone.
+  void undoCamera();
+  bool redoCamera();
+  bool canRedoCamera() const;
+
   // --- overlays ----------------------------------------------------------
   ///@{
   /// Overlays drawn in the current frame: the axis tripod in its corner
@@ -403,6 +425,7 @@ class KXRENDER_API CSceneMgr {
   void releaseListsInCurrent();
   bool openBitmapContext(HDC dc, HGLRC& rc);
   void dropBitmapContext();
+  bool isCurrentView(const CameraRecord& r) const;
 
   std::vector<std::vector<double>> m_frustumPlanes;
   int m_regionSize[2] = {0, 0};  // the tile being drawn, 0 for a whole frame
@@ -449,4 +472,11 @@ class KXRENDER_API CSceneMgr {
   bool m_bPartTrans = false;
   std::vector<unsigned int> m_partTransIds;
   std::vector<unsigned int> m_removedDispLists;
+  // Redo list and cursor pivot of the extra navigation.
+  struct ViewExtras {
+    std::deque<CameraRecord> redo;
+    CameraRecord redoFrom{};  // the view the last undo or redo left
+    bool cursorPivot = false;
+    AcGePoint3d pivot;
+  } m_viewExtras;
 };
