@@ -151,6 +151,8 @@ TEST_F(BadInput, ShapesFromHostileContours) {
       CRenderShape outline, hole;
       outline.set(c.second, {}, kind, CColor(0, 200, 0, 255), AcGeVector3d(0, 0, 1));
       outline.addHitLine(c.second);
+      // Areas beyond a float's range still give a finite polygon offset.
+      EXPECT_TRUE(std::isfinite(outline.getArea()) && std::isfinite(outline.getOffsetFactor())) << row;
       exercise(row, oneShape(outline));
       if (kind == CRenderShape::kPgon && c.second.size() < 1000) {
         hole.set(square(-100, -100, 200), {c.second}, kind, CColor(0, 200, 0, 255), AcGeVector3d(0, 0, 1));
