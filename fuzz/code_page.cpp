@@ -21,7 +21,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const DWORD flags = (data[1] & 1) ? MB_ERR_INVALID_CHARS : 0;
   const char* src = reinterpret_cast<const char*>(data + 2);
   const int len = static_cast<int>(size - 2);
-  KxSetAnsiCodePage(cp);
+  // Each input starts from its own code page, whatever the one before set.
+  if (!KxSetAnsiCodePage(cp)) KxSetAnsiCodePage(CP_UTF8);
 
   // Exactly sized buffers, so that any overrun is caught.
   const int units = MultiByteToWideChar(cp, flags, src, len, nullptr, 0);
@@ -56,8 +57,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     p = next;
   }
   IsDBCSLeadByte(data[1]);
-  // Engine text to UTF-8 and back is the same text when both directions work.
+  // Engine text to UTF-8 and back is the same text when both directions
+  // work, except in the code pages whose decoder joins a base letter and a
+  // combining mark into one precomposed letter.
   std::string utf8, ansi;
-  if (KxAnsiToUtf8(text, utf8) && KxUtf8ToAnsi(utf8, ansi) && ansi != text) std::abort();
+  const bool composes = GetACP() == 1258 || GetACP() == 1255;
+  if (KxAnsiToUtf8(text, utf8) && KxUtf8ToAnsi(utf8, ansi) && ansi != text && !composes) std::abort();
   return 0;
 }

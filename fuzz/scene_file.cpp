@@ -20,7 +20,7 @@ std::string write(const SceneDoc& doc) {
   std::string out, error;
   JsonWriter w(&out);
   if (!writeSceneDoc(w, doc, error) || !w.finish()) {
-    std::fprintf(stderr, "an accepted document does not write: %s\n", error.c_str());
+    std::fprintf(stderr, "an accepted document does not write: %s %s\n", error.c_str(), w.error().c_str());
     std::abort();
   }
   return out;
