@@ -1,0 +1,25 @@
+// SHX font files: the header and index of the three kinds, then the
+// specification bytes of the first shapes, drawn for horizontal and
+// vertical text.
+#include <cstddef>
+#include <cstdint>
+
+#include "text/ShapeInfo.h"
+#include "text/ShxFont.h"
+#include "text/ShxInterpreter.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  const auto font = CShxFont::parse(data, size);
+  if (!font) return 0;
+  int drawn = 0;
+  for (const auto& entry : font->shapes()) {
+    if (++drawn > 16) break;
+    for (bool vertical : {false, true}) {
+      CShape shape;
+      ShxInterpret(*font, entry.first, vertical, shape);
+      ShxContourList contours;
+      shape.appendContours(contours);
+    }
+  }
+  return 0;
+}
