@@ -124,7 +124,9 @@ double CSceneMgr::getPixelsPerUnit() const {
 }
 
 double CSceneMgr::getPickPrecision() const {
-  return m_viewWidth ? m_pickPixelPrecision * m_frustumWidth / m_viewWidth : 0.0;
+  // A negative precision picks as zero does (the pixel itself), as the
+  // pick aperture does, rather than with a negative tolerance that hits nothing.
+  return m_viewWidth ? std::max(0, m_pickPixelPrecision) * m_frustumWidth / m_viewWidth : 0.0;
 }
 
 void CSceneMgr::world2screen(const AcGePoint3d& p, CPoint& out) const {
