@@ -1,7 +1,6 @@
 #pragma once
-/// \file
-/// Lays out a whole line of text as text shapes of one render object, one
-/// shape per character, advancing by each glyph's box.
+// Lays out a whole line of text as text shapes of one render object, one
+// shape per character, advancing by each glyph's box.
 #include "kxrender/AcGePoint3d.h"
 #include "kxrender/AcGeVector3d.h"
 #include "kxrender/CColor.h"
