@@ -368,16 +368,19 @@ class KXRENDER_API CSceneMgr {
 
   static CSceneMgr* m_currentScenePtr;  ///< The scene drawing now; see getCurrentScenePtr().
   static int g_nPixelFormat;  ///< The pixel format chosen once for the process; 0 until then.
-  /// --- off-screen bitmap, print queue and image export ---------------------
-  /// The objects' display lists live in one context at a time: each switch
-  /// releases them in the context that made them, and the next to draw
-  /// builds its own.
+
+  // --- off-screen bitmap, print queue and image export ---------------------
+  // The objects' display lists live in one context at a time: each switch
+  // releases them in the context that made them, and the next to draw
+  // builds its own.
   /// Makes the bitmap shared by all scenes, unless there is one already: it
   /// is always landscape (the larger of w and h across) and never resized.
-  /// Then this scene's context on it, which is left current.
+  /// Then this scene's context on it, which is left current. w or h not
+  /// positive: no effect.
   void setDibSize(int w, int h);
   /// Draws the view into the bitmap, the axis tripod always included; the
-  /// bitmap's bits hold the frame afterwards.
+  /// bitmap's bits hold the frame afterwards. Nothing happens without a
+  /// context on the bitmap (see setDibSize()).
   void renderToDib();
   /// Drops this scene's bitmap context and the bitmap; the window's context
   /// is current again.
