@@ -146,7 +146,9 @@ class KXRENDER_API CRenderObject {
   const CColor& getColor() const { return m_color; }
   ///@}
   ///@{
-  /// Whether the object casts a stencil shadow when the scene's shadows are on.
+  /// Whether the object casts a stencil shadow when the scene's shadows are on
+  /// (default false); turning it off hands its shadow volume's display list
+  /// to the scene for deletion.
   void setGenerateShadow(bool b) {
     m_generateShadow = b;
     if (!b) releaseShadowVolume();
@@ -239,7 +241,9 @@ class KXRENDER_API CRenderObject {
               const AcGeVector3d* viewDirection);
   /// Draws the object's shadow volume from the scene's light, for the
   /// stencil passes; built on first use and again only after the shapes,
-  /// the instances, the light or the set's box change.
+  /// the instances, the light or the set's box change. Draws nothing when the
+  /// object casts no shadow, is hidden, has no shapes or no scene, or the
+  /// light is unusable (its last volume is kept for when it comes back).
   void renderShadowVolume();
   /// The display list of the shadow volume, 0 when there is none.
   unsigned getShadowVolumeList() const { return m_shadow.list; }

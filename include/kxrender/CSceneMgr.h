@@ -189,25 +189,34 @@ class KXRENDER_API CSceneMgr {
   ///@}
 
   // --- navigation beyond the basic set --------------------------------------
-  // Frames the union of the boxes of the objects `ids` (unknown ids are
-  // skipped) in the current view direction, the larger screen extent
-  // filling the window less `margin` (0.1: a tenth of the half extent
-  // spare on each side). Records the view first. False, changing
-  // nothing, when no listed object has a box.
+  /// Frames the union of the boxes of the objects `ids` (unknown ids and
+  /// objects without shapes are skipped) in the current view direction, the
+  /// larger screen extent filling the window less `margin` (0.1: a tenth of
+  /// the half extent spare on each side). Records the view first (see
+  /// pushCamera()). False, changing nothing, when no listed object has a box.
   bool zoomToObjects(const std::vector<unsigned int>& ids, double margin = 0.1);
-  // The point of the model under the window pixel pt becomes the pivot of
-  // mouseCursorRotate; over empty space the pivot rule of the other orbits
-  // applies again. Needs the matrices of a rendered frame. True when
-  // something was hit.
+  /// The point of the model under the window pixel pt becomes the pivot of
+  /// mouseCursorRotate(); over empty space the pivot rule of the other orbits
+  /// applies again. Needs the matrices of a rendered frame. True when
+  /// something was hit.
   bool setCursorPivot(CPoint pt);
+  /// The pivot set by setCursorPivot() into pivot (world units); false,
+  /// pivot untouched, when none is set.
   bool getCursorPivot(AcGePoint3d& pivot) const;
-  // Free orbit (limit: world z kept upright) about the cursor pivot.
+  /// Free orbit (limit: world z kept upright) about the cursor pivot, or
+  /// about the usual orbit pivot when none is set; d is the mouse move in
+  /// pixels.
   void mouseCursorRotate(CSize d, bool limit);
-  // Undo that can be redone: records the current view for redoCamera, then
-  // popCamera. Any new view (a recorded one, or any other change of the
-  // camera or range) clears what could be redone.
+  /// Undo that can be redone: records the current view for redoCamera(),
+  /// then popCamera(); with no history, no effect. Any new view (a recorded
+  /// one, or any other change of the camera or range) clears what could be
+  /// redone.
   void undoCamera();
+  /// Goes back to the view the last undoCamera() left, putting the current
+  /// one on the history. False, changing no view, when canRedoCamera() is
+  /// false.
   bool redoCamera();
+  /// True when there is an undone view and the view has not changed since.
   bool canRedoCamera() const;
 
   // --- overlays ----------------------------------------------------------
@@ -359,25 +368,32 @@ class KXRENDER_API CSceneMgr {
 
   static CSceneMgr* m_currentScenePtr;  ///< The scene drawing now; see getCurrentScenePtr().
   static int g_nPixelFormat;  ///< The pixel format chosen once for the process; 0 until then.
-  /// --- off-screen bitmap, print queue and image export ---------------------
-  /// The objects' display lists live in one context at a time: each switch
-  /// releases them in the context that made them, and the next to draw
-  /// builds its own.
+
+  // --- off-screen bitmap, print queue and image export ---------------------
+  // The objects' display lists live in one context at a time: each switch
+  // releases them in the context that made them, and the next to draw
+  // builds its own.
   /// Makes the bitmap shared by all scenes, unless there is one already: it
   /// is always landscape (the larger of w and h across) and never resized.
-  /// Then this scene's context on it, which is left current.
+  /// Then this scene's context on it, which is left current. w or h not
+  /// positive: no effect.
   void setDibSize(int w, int h);
   /// Draws the view into the bitmap, the axis tripod always included; the
-  /// bitmap's bits hold the frame afterwards.
+  /// bitmap's bits hold the frame afterwards. Nothing happens without a
+  /// context on the bitmap (see setDibSize()).
   void renderToDib();
   /// Drops this scene's bitmap context and the bitmap; the window's context
   /// is current again.
   void ClearDibData();
+  /// The shared bitmap (empty until setDibSize()); owned by the class.
   static DIBSection* getDibPtr() { return &m_renderDib; }
-  /// A nesting count of print jobs, for the host.
+  ///@{
+  /// A nesting count of print jobs, for the host: push one, pop one (no
+  /// effect when empty), and whether none is open.
   static void pushPrintQue() { m_printQue.push(1); }
   static void popPrintQue();
   static bool printQueEmpty() { return m_printQue.empty(); }
+  ///@}
   /// Renders the view off-screen as a width x height PNG, in tiles with a
   /// context of their own, written band by band: memory stays near
   /// width x 1024 x 3 bytes plus one tile, whatever the height. The picture
@@ -387,12 +403,19 @@ class KXRENDER_API CSceneMgr {
   /// removed, when anything fails. The window's context is current again
   /// afterwards (when there was one).
   bool renderToImageTiled(int width, int height, const char* path);
-  /// The same picture as RGB rows from the top, each handed to `row` (false
-  /// from it stops). Tiles of tileWidth x tileHeight, or chosen when 0.
+  ///@{
+  /// The same picture as RGB rows from the top (3 bytes a pixel, width
+  /// pixels, valid only during the call), each handed to `row` with its y
+  /// (false from it stops). Tiles of tileWidth x tileHeight pixels, or chosen
+  /// when 0. False when a side is out of range, row is empty, the off-screen
+  /// context fails or row stopped it.
   typedef std::function<bool(int y, const unsigned char* rgb)> RowSink;
   bool renderImageRows(int width, int height, int tileWidth, int tileHeight, const RowSink& row);
+  ///@}
 
+  /// The print job nesting count behind pushPrintQue() and popPrintQue().
   static std::stack<int, std::deque<int>> m_printQue;
+  /// The bitmap shared by all scenes; see getDibPtr().
   static DIBSection m_renderDib;
 
  private:

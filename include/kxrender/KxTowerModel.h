@@ -41,8 +41,9 @@ constexpr int kTowerMaxStoreys = 1000, kTowerMaxBays = 100;
 /// counts of what it added. Sizes outside 1..kTowerMaxStoreys and
 /// kTowerMinBays..kTowerMaxBays add nothing and give zero counts.
 KXRENDER_API KxModelCounts KxBuildTower(CObjectSetMgr& set, int storeys, int bays);
-// The same with the room labels as real text in `labelFont` (one text shape
-// per character) instead of their outlines.
+/// The same with the room labels as real text in `labelFont` (one text shape
+/// per character, see KxAddTextLine()) instead of their outlines; a null
+/// labelFont gives the outlines.
 KXRENDER_API KxModelCounts KxBuildTower(CObjectSetMgr& set, int storeys, int bays, const char* labelFont);
 
 /// The same counts for everything a set holds (full-detail shapes).

@@ -25,7 +25,10 @@ typedef KxDeviceContext* HDC;
 typedef KxGLContext* HGLRC;
 ///@}
 struct KxBitmap;
+/// Handle of an off-screen bitmap (DIBSection.h); the engine owns it.
 typedef KxBitmap* HBITMAP;
+/// Handle of any drawing object that can be selected into a DC (here: a
+/// bitmap).
 typedef void* HGDIOBJ;
 
 /// A rectangle in pixels: left, top, right, bottom.
@@ -49,18 +52,19 @@ struct SIZE {
   LONG cx, cy;
   ///@}
 };
+/// The header describing a device-independent bitmap, in the Windows layout.
 struct BITMAPINFOHEADER {
-  DWORD biSize;
-  LONG biWidth;
-  LONG biHeight;  // positive: rows bottom-up
-  WORD biPlanes;
-  WORD biBitCount;
-  DWORD biCompression;
-  DWORD biSizeImage;
-  LONG biXPelsPerMeter;
-  LONG biYPelsPerMeter;
-  DWORD biClrUsed;
-  DWORD biClrImportant;
+  DWORD biSize;           ///< Size of this header in bytes.
+  LONG biWidth;           ///< Width in pixels.
+  LONG biHeight;          ///< Height in pixels; positive: rows bottom-up.
+  WORD biPlanes;          ///< Always 1.
+  WORD biBitCount;        ///< Bits a pixel (the engine makes 24 or 32).
+  DWORD biCompression;    ///< BI_RGB: uncompressed.
+  DWORD biSizeImage;      ///< Bytes of pixel data (0 allowed for BI_RGB).
+  LONG biXPelsPerMeter;   ///< Horizontal resolution in pixels a metre (0: unknown).
+  LONG biYPelsPerMeter;   ///< Vertical resolution in pixels a metre (0: unknown).
+  DWORD biClrUsed;        ///< Palette entries used (0 without a palette).
+  DWORD biClrImportant;   ///< Palette entries needed (0: all).
 };
 
 // Code pages for KxSetAnsiCodePage.
