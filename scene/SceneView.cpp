@@ -152,7 +152,7 @@ CPoint CSceneMgr::world2screen(const AcGePoint3d& p) const {
 
 void CSceneMgr::getPointOfIntersectionThatEyeToNearFarFrustumPlane(CPoint pt, AcGePoint3d& nearPt,
                                                                    AcGePoint3d& farPt) const {
-  const double y = m_viewport[3] - pt.y;
+  const double y = double(m_viewport[3]) - pt.y;
   kgl->gluUnProject(pt.x, y, 0.0, m_modelViewMatrix, m_projMatrix, m_viewport, &nearPt.x, &nearPt.y, &nearPt.z);
   kgl->gluUnProject(pt.x, y, 1.0, m_modelViewMatrix, m_projMatrix, m_viewport, &farPt.x, &farPt.y, &farPt.z);
 }
@@ -198,8 +198,8 @@ void CSceneMgr::getFrustumPlaneFrom2Pt(const CPoint& p1, const CPoint& p2,
                              &out.z) == GL_TRUE;
   };
   AcGePoint3d corner, cornerRight, cornerDown, farCorner;
-  if (!unproject(x0, y0, 0.0, corner) || !unproject(x0 + 1, y0, 0.0, cornerRight) ||
-      !unproject(x0, y0 + 1, 0.0, cornerDown) || !unproject(x0, y0, 1.0, farCorner))
+  if (!unproject(x0, y0, 0.0, corner) || !unproject(x0 + 1.0, y0, 0.0, cornerRight) ||
+      !unproject(x0, y0 + 1.0, 0.0, cornerDown) || !unproject(x0, y0, 1.0, farCorner))
     return;
   // The near plane maps window points affinely, so one pixel step gives the
   // world directions of the screen axes everywhere on it, even for an empty

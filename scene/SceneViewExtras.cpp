@@ -68,7 +68,7 @@ void CSceneMgr::mouseCursorRotate(CSize d, bool limit) {
   // The angles of the free and the limited orbit.
   const double s = 0.8 * std::min(m_viewWidth, m_viewHeight);
   if (!(s > 0.0)) return;
-  const double aRight = -d.cy / s * M_PI, aTurn = d.cx / s * M_PI;
+  const double aRight = -double(d.cy) / s * M_PI, aTurn = d.cx / s * M_PI;
   const AcGePoint3d pivot = m_viewExtras.cursorPivot ? m_viewExtras.pivot : orbitPivot(limit);
   m_camera.RotateCaremaRight(aRight, pivot);
   if (limit)

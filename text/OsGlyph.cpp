@@ -28,8 +28,10 @@ class FontCatalogue {
     for (auto& s : m_sorted)
       if (s.second) FcFontSetDestroy(s.second);
     if (m_ft) FT_Done_FreeType(m_ft);
-    // fontconfig's own configuration stays: other code in the process may
-    // use it, and finalising it under them would break them.
+    // A configuration of our own, not the process default: other code in
+    // the host may use fontconfig, and finalising the default under it
+    // would break it, while ours can be released whole.
+    if (m_config) FcConfigDestroy(m_config);
   }
 
   // The face of the best match for `family` that has the character.
@@ -61,13 +63,14 @@ class FontCatalogue {
     auto it = m_sorted.find(family);
     if (it != m_sorted.end()) return it->second;
     FcFontSet* set = nullptr;
-    if (FcInit()) {
+    if (!m_config) m_config = FcInitLoadConfigAndFonts();
+    if (m_config) {
       FcPattern* pattern = FcPatternCreate();
       if (!family.empty()) FcPatternAddString(pattern, FC_FAMILY, reinterpret_cast<const FcChar8*>(family.c_str()));
-      FcConfigSubstitute(nullptr, pattern, FcMatchPattern);
+      FcConfigSubstitute(m_config, pattern, FcMatchPattern);
       FcDefaultSubstitute(pattern);
       FcResult result;
-      set = FcFontSort(nullptr, pattern, FcFalse, nullptr, &result);
+      set = FcFontSort(m_config, pattern, FcFalse, nullptr, &result);
       FcPatternDestroy(pattern);
     }
     m_sorted[family] = set;
@@ -85,6 +88,7 @@ class FontCatalogue {
   }
 
   FT_Library m_ft = nullptr;
+  FcConfig* m_config = nullptr;
   std::map<std::string, FcFontSet*> m_sorted;
   std::map<std::pair<std::string, int>, FT_Face> m_faces;
 };

@@ -389,7 +389,7 @@ TEST_F(BadInput, ViewCallsWithHostileValues) {
     int extra = 0;
     scene.pick(a, id, shape, 0, &extra, true);
     std::vector<unsigned> ids;
-    scene.pick(a, CPoint(-a.x, -a.y), ids);
+    scene.pick(a, CPoint(a.x == INT_MIN ? INT_MAX : -a.x, a.y == INT_MIN ? INT_MAX : -a.y), ids);
     AcGePoint3d at;
     CRenderObject::SnapMode kind;
     scene.snap(a, INT_MAX, kNaN, at, kind);
