@@ -28,11 +28,17 @@ done
 dpkg-deb -f "$dev" Depends | grep -qx "kxrender (= ${version}-1)" || fail "kxrender-dev Depends: $(dpkg-deb -f "$dev" Depends)"
 
 # Each file in the package it belongs to.
-has() { dpkg-deb -c "$1" | awk '{print $6}' | grep -qx ".${prefix}/$2" || fail "$(basename "$1") lacks $2"; }
-lacks() { ! dpkg-deb -c "$1" | awk '{print $6}' | grep -qx ".${prefix}/$2" || fail "$(basename "$1") has $2"; }
+# Listings are read whole into variables: with pipefail, `grep -q` closing a
+# pipe early would fail the writer with SIGPIPE now and then.
+listing() { dpkg-deb -c "$1" | awk '{print $6}'; }
+rt_files=$(listing "$rt") dev_files=$(listing "$dev")
+files_of() { if [ "$1" = "$rt" ]; then echo "$rt_files"; else echo "$dev_files"; fi; }
+has() { grep -qx ".${prefix}/$2" <<<"$(files_of "$1")" || fail "$(basename "$1") lacks $2"; }
+lacks() { ! grep -qx ".${prefix}/$2" <<<"$(files_of "$1")" || fail "$(basename "$1") has $2"; }
 has "$rt" "$libdir/libkxrender.so.0"
 has "$rt" "$libdir/libkxrender.so.$version"
 has "$rt" "share/kxrender/unicode.cxf.NOTICE"
+has "$rt" "share/kxrender/unicode.cxf"
 has "$rt" "share/doc/kxrender/LICENSE"
 has "$rt" "bin/kxdemo"
 has "$rt" "bin/kxtrace"
@@ -47,7 +53,8 @@ has "$dev" "$libdir/pkgconfig/kxrender.pc"
 dpkg -x "$rt" "$work/root"
 dpkg -x "$dev" "$work/root"
 root="$work/root$prefix"
-objdump -p "$root/$libdir/libkxrender.so.$version" | grep -q "SONAME *libkxrender.so.0$" || fail "SONAME is not libkxrender.so.0"
+soname=$(objdump -p "$root/$libdir/libkxrender.so.$version" | awk '$1 == "SONAME" {print $2}')
+[ "$soname" = "libkxrender.so.0" ] || fail "SONAME is '$soname', not libkxrender.so.0"
 pc=$(PKG_CONFIG_PATH="$root/$libdir/pkgconfig" pkg-config --modversion kxrender)
 [ "$pc" = "$version" ] || fail "pkg-config version $pc"
 
