@@ -1,5 +1,7 @@
 #include "import/PlyCheck.h"
 
+#include <cstdlib>
+
 #include <algorithm>
 #include <map>
 #include <sstream>
@@ -95,20 +97,24 @@ std::string plyProblem(const uint8_t* data, size_t size) {
         if (std::find(e.names.begin(), e.names.end(), axis) == e.names.end())
           return std::string("PLY vertices have no ") + axis + " property";
   if (format == "ascii") {
-    // Text bodies that end early are read; only empty faces (an assertion
-    // in assimp's triangulation aborts on them) are looked for.
+    // Every value must be there and be a number: assimp reads a text body
+    // that ends early or holds a stray word into faces short of corners,
+    // and an assertion in its triangulation then aborts the process.
     std::istringstream in(text.substr(body));
     for (const Element& e : elements)
       for (uint64_t i = 0; i < e.count && !e.props.empty(); ++i)
         for (const Property& p : e.props) {
-          double items = 1;
-          if (!(in >> items)) return {};
+          std::string token;
+          if (!(in >> token)) return "PLY body is truncated";
+          char* end = nullptr;
+          const double items = std::strtod(token.c_str(), &end);
+          if (end == token.c_str() || *end != '\0') return "PLY value '" + token + "' is not a number";
           if (p.countSize && e.name == "face" && items < 1) return "PLY face with no vertices";
           if (!p.countSize) continue;
           if (!(items >= 0 && items < 1e9)) return "PLY list has a bad length";
           std::string skip;
           for (uint64_t k = 0; k < uint64_t(items); ++k)
-            if (!(in >> skip)) return {};
+            if (!(in >> skip)) return "PLY body is truncated";
         }
     return {};
   }

@@ -211,6 +211,11 @@ TEST_F(ModelImport, BrokenFilesNameTheProblemAndLeaveTheSetAlone) {
        "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty float y\nproperty float z\n"
        "element face 2\nproperty list uchar int vertex_indices\nend_header\n0 0 0\n1 0 0\n0 1 0\n3 0 1 2\n0\n",
        "no vertices"},
+      // A stray word cuts the text body short; assimp would abort on it.
+      {"strayword.ply",
+       "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty float y\nproperty float z\n"
+       "element face 1\nproperty list uchar int vertex_indices\nend_header\n0 0 0\n1 0 0_header\n0 1 0\n3 0 1 2\n",
+       "not a number"},
   };
   for (const Row& r : rows) {
     CObjectSetMgr set;
