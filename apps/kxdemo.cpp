@@ -1,11 +1,15 @@
-// Renders the built-in scene off-screen and writes the frame as a PNG.
-//   kxdemo [--out FILE] [--size WIDTHxHEIGHT] [--tower S B | --tower M | --tower XL] [--pick X,Y] [SCENE.json]
+// Renders the built-in scene off-screen and writes the picture as a PNG, at
+// any size: the picture is drawn in tiles, without a window of its size.
+//   kxdemo [--out FILE] [--size WIDTHxHEIGHT] [--tower S B | --tower M | --tower XL] [--pick X,Y] [--shadow]
+//          [SCENE.json | MODEL]
+// --shadow adds a ground plane and casts every object's shadow under a sun
+// low in the south-west.
 // The model is the reference tower (4 storeys, 3 bays unless --tower says
-// otherwise), or the scene file when one is named. The pixel at the centre
+// otherwise), the scene file (.json) or the model file (IFC, OBJ, glTF,
+// STL, PLY, 3DS, DXF) when one is named. The pixel at the centre
 // of the view (or X,Y) is picked: what it hits is printed and highlighted.
 // Then, with every snap kind on, the cursor is set a few pixels off a wall
-// corner in view; the snap found there is printed and marked with the
-// symbol of its kind.
+// corner in view; the snap found there is printed.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -16,9 +20,9 @@
 #include <string>
 #include <vector>
 
-#include "kxrender/CRenderSystem.h"
 #include "kxrender/CSceneMgr.h"
 #include "kxrender/KxImage.h"
+#include "kxrender/KxModelImport.h"
 #include "kxrender/KxSceneFile.h"
 #include "kxrender/KxTowerModel.h"
 #include "kxrender/KxWindow.h"
@@ -92,7 +96,23 @@ bool loadModel(CSceneMgr& scene, const ModelChoice& m) {
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
   };
   bool hasView = false;
-  if (!m.sceneFile.empty()) {
+  const std::string ext = std::filesystem::path(m.sceneFile).extension().string();
+  if (!m.sceneFile.empty() && ext != ".json" && ext != ".JSON") {
+    // A model file (IFC, OBJ, glTF, STL...): imported with a progress bar.
+    KxImportOptions options;
+    options.progress = [](double f, const char* phase) {
+      std::fprintf(stderr, "\rkxdemo: %-8s %3d%%", phase, int(f * 100.0));
+      return true;
+    };
+    CString error;
+    const bool ok = KxImportModel(m.sceneFile.c_str(), *scene.getObjSetMgr(), error, options);
+    std::fprintf(stderr, "\n");
+    if (!ok) {
+      std::fprintf(stderr, "kxdemo: %s\n", error.GetString());
+      return false;
+    }
+    printCounts(m.sceneFile, KxCountModel(*scene.getObjSetMgr()), elapsed());
+  } else if (!m.sceneFile.empty()) {
     CString error;
     KxSceneFileExtras extras;
     if (!KxReadSceneFile(m.sceneFile.c_str(), scene, error, &extras)) {
@@ -102,7 +122,8 @@ bool loadModel(CSceneMgr& scene, const ModelChoice& m) {
     hasView = extras.hasView;
     printCounts(m.sceneFile, KxCountModel(*scene.getObjSetMgr()), elapsed());
   } else {
-    const KxModelCounts c = KxBuildTower(*scene.getObjSetMgr(), m.storeys, m.bays);
+    // Room labels as real text ("房间" and the room number) in a system font.
+    const KxModelCounts c = KxBuildTower(*scene.getObjSetMgr(), m.storeys, m.bays, "宋体");
     scene.getObjSetMgr()->freshBox();
     markSelection(*scene.getObjSetMgr());
     printCounts("tower S=" + std::to_string(m.storeys) + " B=" + std::to_string(m.bays), c, elapsed());
@@ -158,29 +179,6 @@ const char* kindName(CRenderObject::SnapMode k) {
   }
 }
 
-// Strokes of the marker of a kind, in pixels about the point (y down).
-std::vector<std::vector<CPoint>> markerOf(CRenderObject::SnapMode k) {
-  const int r = 6;
-  switch (k) {
-    case CRenderObject::kSnapEndPoint:
-      return {{{-r, -r}, {r, -r}, {r, r}, {-r, r}, {-r, -r}}};
-    case CRenderObject::kSnapMidPoint:
-      return {{{0, -r}, {r, r}, {-r, r}, {0, -r}}};
-    case CRenderObject::kSnapCenter:
-      return {{{r, 0}, {4, 4}, {0, r}, {-4, 4}, {-r, 0}, {-4, -4}, {0, -r}, {4, -4}, {r, 0}}};
-    case CRenderObject::kSnapIntersection:
-      return {{{-r, -r}, {r, r}}, {{-r, r}, {r, -r}}};
-    case CRenderObject::kSnapPerpendicular:
-      return {{{-r, -r}, {-r, r}, {r, r}}, {{-r, 0}, {0, 0}, {0, r}}};
-    case CRenderObject::kSnapNearest:
-      return {{{-r, -r}, {r, -r}, {-r, r}, {r, r}, {-r, -r}}};
-    case CRenderObject::kSnapNode:
-      return {{{0, -r}, {r, 0}, {0, r}, {-r, 0}, {0, -r}}, {{-r, -r}, {r, r}}, {{-r, r}, {r, -r}}};
-    default:
-      return {{{-r, -r}, {r, -r}, {r, r}, {-r, r}, {-r, -r}}, {{-r, -r}, {r, r}}};
-  }
-}
-
 // A corner of an outer wall panel in view, with the cursor 3 px right of
 // and 2 px below it; false when none is found.
 bool wallCorner(CSceneMgr& scene, CPoint& cursor) {
@@ -228,22 +226,61 @@ bool snapNearWallCorner(CSceneMgr& scene, AcGePoint3d& point, CRenderObject::Sna
   return true;
 }
 
-// Draws the marker in the frame, on the eye's side of the model.
-void drawSnapMarker(CSceneMgr& scene, const AcGePoint3d& point, CRenderObject::SnapMode kind) {
-  const CPoint at = scene.world2screen(point);
-  CRenderSystem::createSingleton();
-  CColor yellow(255, 220, 0, 255);
-  for (const std::vector<CPoint>& stroke : markerOf(kind)) {
-    std::vector<AcGePoint3d> pts;
-    for (const CPoint& d : stroke)
-      pts.push_back(scene.screen2world(CPoint(at.x + d.x, at.y + d.y), CSceneMgr::PLANE_NEAR));
-    // Just behind the near plane: in front of everything, never clipped.
-    AcGePoint3d nearPt, farPt;
-    scene.getPointOfIntersectionThatEyeToNearFarFrustumPlane(at, nearPt, farPt);
-    const AcGeVector3d inward = (farPt - nearPt) * 1e-4;
-    for (AcGePoint3d& p : pts) p += inward;
-    CRenderSystem::getSingleton()->drawPLine(pts, 2.0, yellow);
+// A ground plane around the model, just below it, and shadows on: every
+// object casts under a sun low in the south-west (y is north).
+void castShadows(CSceneMgr& scene) {
+  CObjectSetMgr& set = *scene.getObjSetMgr();
+  AcGePoint3d lo, hi;
+  set.getBox(lo, hi);
+  const double reach = 2.0 * std::max(hi.x - lo.x, hi.y - lo.y), z = lo.z - 0.05;
+  CRenderObject* ground = new CRenderObject;
+  CRenderShape plane;
+  plane.set({{lo.x - reach, lo.y - reach, z}, {hi.x + reach, lo.y - reach, z}, {hi.x + reach, hi.y + reach, z},
+             {lo.x - reach, hi.y + reach, z}},
+            {}, CRenderShape::kPgon, CColor(120, 150, 100, 255), AcGeVector3d(0, 0, 1));
+  ground->addShape(plane);
+  ground->endAddShape();
+  set.addObject(ground);
+  set.freshBox();  // volumes reach as far as the set's box
+  for (const auto& kv : set.objects()) kv.second->setGenerateShadow(true);
+  const float sun[4] = {-1.0f, -1.0f, 0.7f, 0.0f};
+  scene.setLightpos(sun);
+  scene.setShadow(true);
+  scene.zoomE();
+}
+
+// Reads the frame back into a PNG file.
+bool writeFrame(HWND window, const std::string& out) {
+  std::vector<uint8_t> pixels;
+  int w = 0, h = 0;
+  if (!KxReadWindowPixels(window, pixels, w, h)) {
+    std::fprintf(stderr, "kxdemo: could not read the frame back\n");
+    return false;
   }
+  std::error_code ec;
+  const std::filesystem::path parent = std::filesystem::path(out).parent_path();
+  if (!parent.empty()) std::filesystem::create_directories(parent, ec);
+  if (!KxWritePng(out, pixels, w, h)) {
+    std::fprintf(stderr, "kxdemo: could not write %s\n", out.c_str());
+    return false;
+  }
+  std::printf("kxdemo: %dx%d frame written to %s\n", w, h, out.c_str());
+  return true;
+}
+
+// The room labels are inside the tower: a plan of the top storey with the
+// roof (the last object) hidden, zoomed to its first room.
+bool writeLabelPlan(CSceneMgr& scene, HWND window, int storeys, const std::string& out) {
+  auto& objects = scene.getObjSetMgr()->objects();
+  if (objects.empty()) return true;
+  objects.rbegin()->second->setVisible(false);
+  scene.camera()->ReSet(AcGeVector3d(0, 0, 0), AcGeVector3d(0, 1, 0), AcGeVector3d(0, 0, -1));
+  scene.zoomE();
+  const double z = 3.0 * (storeys - 1) + 1.5;
+  scene.zoomW(AcGePoint3d(0.5, 0.5, z), AcGePoint3d(10.5, 4.5, z));
+  scene.render();
+  scene.finish();
+  return writeFrame(window, out);
 }
 
 }  // namespace
@@ -252,15 +289,15 @@ int main(int argc, char** argv) {
   std::string out = "out/kxdemo.png";
   int width = 1280, height = 720;
   ModelChoice model;
-  bool pickGiven = false;
+  bool pickGiven = false, shadow = false;
   CPoint pickAt;
   for (int i = 1; i < argc; ++i) {
     if (!std::strcmp(argv[i], "--out") && i + 1 < argc) {
       out = argv[++i];
     } else if (!std::strcmp(argv[i], "--size") && i + 1 < argc) {
-      if (std::sscanf(argv[++i], "%dx%d", &width, &height) != 2 || width < 1 || height < 1 || width > 16384 ||
-          height > 16384) {
-        std::fprintf(stderr, "kxdemo: --size wants WIDTHxHEIGHT, each 1 to 16384\n");
+      if (std::sscanf(argv[++i], "%dx%d", &width, &height) != 2 || width < 1 || height < 1 || width > 1000000 ||
+          height > 1000000) {
+        std::fprintf(stderr, "kxdemo: --size wants WIDTHxHEIGHT, each 1 to 1000000\n");
         return 2;
       }
     } else if (!std::strcmp(argv[i], "--tower")) {
@@ -277,17 +314,24 @@ int main(int argc, char** argv) {
       }
       pickAt = CPoint(x, y);
       pickGiven = true;
+    } else if (!std::strcmp(argv[i], "--shadow")) {
+      shadow = true;
     } else if (argv[i][0] != '-' && model.sceneFile.empty()) {
       model.sceneFile = argv[i];
     } else {
       std::fprintf(stderr,
                    "usage: kxdemo [--out FILE] [--size WIDTHxHEIGHT] [--tower S B | --tower M | --tower XL] "
-                   "[--pick X,Y] [SCENE.json]\n");
+                   "[--pick X,Y] [--shadow] [SCENE.json | MODEL]\n");
       return 2;
     }
   }
 
-  HWND window = KxCreateOffscreenWindow(width, height);
+  // The view is set up, picked and snapped in a window of at most 1280
+  // pixels a side with the picture's shape; the picture itself is drawn
+  // off-screen at its full size.
+  const double shrink = std::min(1.0, 1280.0 / std::max(width, height));
+  const int windowWidth = std::max(1, int(width * shrink)), windowHeight = std::max(1, int(height * shrink));
+  HWND window = KxCreateOffscreenWindow(windowWidth, windowHeight);
   if (!window) {
     std::fprintf(stderr, "kxdemo: no off-screen display (is Mesa's EGL installed?)\n");
     return 1;
@@ -299,30 +343,30 @@ int main(int argc, char** argv) {
   }
   scene.setBkColor(0x503C28);  // dark slate blue: red 0x28, green 0x3C, blue 0x50
   if (!loadModel(scene, model)) return 1;
+  if (shadow) castShadows(scene);
   scene.render();  // the view the pick is made in
-  pickAndMark(scene, pickGiven ? pickAt : CPoint(width / 2, height / 2));
+  pickAndMark(scene, pickGiven ? pickAt : CPoint(windowWidth / 2, windowHeight / 2));
   AcGePoint3d snapPoint;
   CRenderObject::SnapMode snapKind = CRenderObject::kSnapNone;
-  const bool snapped = snapNearWallCorner(scene, snapPoint, snapKind);
+  snapNearWallCorner(scene, snapPoint, snapKind);
   scene.render();
-  if (snapped) drawSnapMarker(scene, snapPoint, snapKind);
-  scene.draw3dOrbit();
   scene.finish();
 
-  std::vector<uint8_t> pixels;
-  int w = 0, h = 0;
-  if (!KxReadWindowPixels(window, pixels, w, h)) {
-    std::fprintf(stderr, "kxdemo: could not read the frame back\n");
-    return 1;
-  }
   std::error_code ec;
   const std::filesystem::path parent = std::filesystem::path(out).parent_path();
   if (!parent.empty()) std::filesystem::create_directories(parent, ec);
-  if (!KxWritePng(out, pixels, w, h)) {
+  const auto start = std::chrono::steady_clock::now();
+  if (!scene.renderToImageTiled(width, height, out.c_str())) {
     std::fprintf(stderr, "kxdemo: could not write %s\n", out.c_str());
     return 1;
   }
-  std::printf("kxdemo: %dx%d frame written to %s\n", w, h, out.c_str());
+  const double ms = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+  std::printf("kxdemo: %dx%d picture written to %s (%.0f ms)\n", width, height, out.c_str(), ms);
+  if (model.sceneFile.empty()) {
+    const std::filesystem::path p(out);
+    const std::string plan = (p.parent_path() / (p.stem().string() + "-labels" + p.extension().string())).string();
+    if (!writeLabelPlan(scene, window, model.storeys, plan)) return 1;
+  }
   scene.glRelease();
   KxDestroyWindow(window);
   return 0;

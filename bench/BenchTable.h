@@ -27,6 +27,9 @@ class BenchTable {
   static constexpr const char* kRectCrossing = "rectangle selection, crossing (1/10)";
   static constexpr const char* kLimitArray = "limit: one vertex array";
   static constexpr const char* kLimitList = "limit: one display list";
+  static constexpr const char* kShadowFirstFrame = "first frame, shadows on (volumes built)";
+  static constexpr const char* kShadowSteadyFrame = "steady frame, shadows on";
+  static constexpr const char* kPoster = "poster 20000 x 14000 PNG, tiled";
 
   // Takes each benchmark's median (or its single run) into the table.
   class Collector : public benchmark::ConsoleReporter {
@@ -43,6 +46,8 @@ class BenchTable {
   void setCounts(const std::string& size, size_t objects, size_t polygons, size_t holes, size_t triangles,
                  size_t vertices, size_t limitTriangles);
   void setPeakMemory(const std::string& size, double mb) { m_memory[size] = mb; }
+  // Peak resident memory while the poster was rendered and written.
+  void setPosterMemory(const std::string& size, double mb) { m_posterMemory[size] = mb; }
   void print(FILE* out) const;
 
  private:
@@ -50,4 +55,5 @@ class BenchTable {
   std::map<std::string, std::map<std::string, double>> m_ms;
   std::map<std::string, std::vector<size_t>> m_counts;
   std::map<std::string, double> m_memory;
+  std::map<std::string, double> m_posterMemory;
 };

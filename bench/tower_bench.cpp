@@ -1,9 +1,11 @@
 // Build, frame and pick timings of the reference building ("tower"), off
 // screen on Mesa, with the frame limit measured in the same context.
-//   kxbench [--sizes=M,XL] [--width=1280 --height=720] [google benchmark flags]
+//   kxbench [--sizes=M,XL,text] [--width=1280 --height=720] [--poster=0] [google benchmark flags]
+// The poster (a tiled 20000 x 14000 PNG) is rendered once for tower-M.
 #include <benchmark/benchmark.h>
 #include <epoxy/gl.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -14,9 +16,14 @@
 #include <string>
 #include <vector>
 
+#include <unistd.h>
+
 #include "BenchTable.h"
 #include "LimitDraw.h"
 #include "kxrender/CSceneMgr.h"
+#include "kxrender/CObjectSetMgr.h"
+#include "kxrender/CRenderObject.h"
+#include "kxrender/KxTextLayout.h"
 #include "kxrender/KxTowerModel.h"
 #include "kxrender/KxWindow.h"
 
@@ -103,7 +110,26 @@ void timed(benchmark::State& state, Fn fn) {
   }
 }
 
+// The text workload: 10,000 room labels of six characters ("房间" and four
+// digits) in a system font, one object each, on a 100 x 100 grid.
+KxModelCounts buildLabels(CObjectSetMgr& set) {
+  KxModelCounts c;
+  for (int i = 0; i < 10000; ++i) {
+    char label[32];
+    std::snprintf(label, sizeof label, "\xE6\x88\xBF\xE9\x97\xB4%04d", i);
+    CRenderObject* o = new CRenderObject;
+    KxAddTextLine(*o, label, "宋体", 0.5, AcGePoint3d(4.0 * (i % 100), 2.0 * (i / 100), 0.0), AcGeVector3d(1, 0, 0),
+                  AcGeVector3d(0, 1, 0), CColor(70, 70, 80, 255));
+    o->endAddShape();
+    set.addObject(o);
+    ++c.objects;
+  }
+  return c;
+}
+
+// Size "text" times the text workload's build and frames only.
 void registerSize(const std::string& size, int storeys, int bays) {
+  const bool labels = size == "text";
   auto reg = [&](const std::string& metric, int repetitions, auto fn) {
     benchmark::RegisterBenchmark((metric + "/" + size).c_str(), fn)
         ->UseManualTime()
@@ -112,7 +138,7 @@ void registerSize(const std::string& size, int storeys, int bays) {
         ->ReportAggregatesOnly(repetitions > 1)
         ->Unit(benchmark::kMillisecond);
   };
-  reg(BenchTable::kBuild, 1, [storeys, bays](benchmark::State& state) {
+  reg(BenchTable::kBuild, 1, [storeys, bays, labels](benchmark::State& state) {
     for (auto _ : state) {
       g_model.reset(new Model);
       g_model->window = KxCreateOffscreenWindow(g_width, g_height);
@@ -122,7 +148,8 @@ void registerSize(const std::string& size, int storeys, int bays) {
         return;
       }
       const Clock::time_point t0 = Clock::now();
-      g_model->counts = KxBuildTower(*g_model->scene->getObjSetMgr(), storeys, bays);
+      g_model->counts = labels ? buildLabels(*g_model->scene->getObjSetMgr())
+                               : KxBuildTower(*g_model->scene->getObjSetMgr(), storeys, bays);
       state.SetIterationTime(msSince(t0) / 1000.0);
       viewModel(*g_model->scene);
       g_model->range = g_model->scene->dRange();
@@ -130,6 +157,7 @@ void registerSize(const std::string& size, int storeys, int bays) {
   });
   reg(BenchTable::kFirstFrame, 1, [](benchmark::State& state) { timed(state, [] { g_model->frame(); }); });
   reg(BenchTable::kSteadyFrame, 30, [](benchmark::State& state) { timed(state, [] { g_model->frame(); }); });
+  if (labels) return;
   reg(BenchTable::kSteadyFrameOff, 30, [](benchmark::State& state) {
     g_model->scene->setRetainedDraw(false);
     g_model->frame();
@@ -262,15 +290,45 @@ void registerSize(const std::string& size, int storeys, int bays) {
     g_model->limitFrame(true);  // compile outside the timing
     timed(state, [] { g_model->limitFrame(true); });
   });
+  // Last, so that no other figure runs with shadows: every object casts,
+  // under a sun low in the south-west. The first frame builds the volumes.
+  reg(BenchTable::kShadowFirstFrame, 1, [](benchmark::State& state) {
+    const float sun[4] = {-1.0f, -0.7f, 0.6f, 0.0f};
+    g_model->scene->setLightpos(sun);
+    g_model->scene->setShadow(true);
+    for (const auto& kv : g_model->scene->getObjSetMgr()->objects()) kv.second->setGenerateShadow(true);
+    timed(state, [] { g_model->frame(); });
+  });
+  reg(BenchTable::kShadowSteadyFrame, 30, [](benchmark::State& state) { timed(state, [] { g_model->frame(); }); });
+}
+
+// One 20000 x 14000 picture written to a temporary PNG: its time, and the
+// peak resident memory while it is made (the peak is reset first).
+void posterRow(BenchTable& table, const std::string& size) {
+  std::ofstream("/proc/self/clear_refs") << "5";
+  const std::string path = "/tmp/kxbench_poster_" + std::to_string(getpid()) + ".png";
+  const auto t0 = Clock::now();
+  const bool ok = g_model->scene->renderToImageTiled(20000, 14000, path.c_str());
+  const double ms = msSince(t0);
+  std::remove(path.c_str());
+  if (!ok) {
+    std::fprintf(stderr, "kxbench: the poster could not be written\n");
+    return;
+  }
+  table.setTime(size, BenchTable::kPoster, ms);
+  table.setPosterMemory(size, peakMemoryMB());
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::vector<std::string> sizes = {"M", "XL"};
+  std::vector<std::string> sizes = {"M", "XL", "text"};
   std::vector<char*> rest;
+  bool poster = true;
   for (int i = 0; i < argc; ++i) {
-    if (!std::strncmp(argv[i], "--sizes=", 8)) {
+    if (!std::strcmp(argv[i], "--poster=0")) {
+      poster = false;
+    } else if (!std::strncmp(argv[i], "--sizes=", 8)) {
       sizes.clear();
       std::string list = argv[i] + 8;
       for (size_t at = 0; at <= list.size();) {
@@ -297,11 +355,12 @@ int main(int argc, char** argv) {
       storeys = kTowerMStoreys, bays = kTowerMBays;
     } else if (size == "XL") {
       storeys = kTowerXLStoreys, bays = kTowerXLBays;
-    } else if (std::sscanf(size.c_str(), "%dx%d", &storeys, &bays) != 2) {
-      std::fprintf(stderr, "kxbench: sizes are M, XL or STOREYSxBAYS, not %s\n", size.c_str());
+    } else if (size != "text" && std::sscanf(size.c_str(), "%dx%d", &storeys, &bays) != 2) {
+      std::fprintf(stderr, "kxbench: sizes are M, XL, text or STOREYSxBAYS, not %s\n", size.c_str());
       return 2;
     }
     registerSize(size, storeys, bays);
+    double peak = 0.0;
     BenchTable::Collector collector(table, size);
     benchmark::RunSpecifiedBenchmarks(&collector);
     benchmark::ClearRegisteredBenchmarks();
@@ -309,9 +368,11 @@ int main(int argc, char** argv) {
       table.setCounts(size, g_model->counts.objects, g_model->counts.polygons, g_model->counts.holes,
                       g_model->counts.triangles, g_model->counts.vertices,
                       g_model->limit ? g_model->limit->triangles() : 0);
+      peak = peakMemoryMB();  // before the poster resets the peak
+      if (poster && size == "M") posterRow(table, size);
     }
     g_model.reset();
-    table.setPeakMemory(size, peakMemoryMB());
+    table.setPeakMemory(size, peak > 0.0 ? peak : peakMemoryMB());
   }
   table.print(stdout);
   benchmark::Shutdown();

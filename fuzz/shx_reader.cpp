@@ -1,5 +1,5 @@
 // SHX font files: the header and index of the three kinds, then the
-// specification bytes of the first shapes, drawn for horizontal and
+// drawing bytes of the first shapes, drawn for horizontal and
 // vertical text.
 #include <cstddef>
 #include <cstdint>

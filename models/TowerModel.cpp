@@ -9,6 +9,7 @@
 #include "kxrender/CObjectSetMgr.h"
 #include "kxrender/CRenderObject.h"
 #include "kxrender/CRenderShape.h"
+#include "kxrender/KxTextLayout.h"
 
 namespace {
 
@@ -136,7 +137,14 @@ void interiorWall(Builder& b, const AcGePoint3d& start, const AcGeVector3d& alon
 
 // A label's stand-in: the outline its text will fill, CJK characters a
 // full height wide and others six tenths.
-void label(Builder& b, const AcGePoint3d& at, const std::string& text) {
+void label(Builder& b, const AcGePoint3d& at, const std::string& text, const char* font) {
+  if (font) {
+    CRenderObject* o = new CRenderObject;
+    o->setXdata(CString(text));
+    KxAddTextLine(*o, CString(text), font, kLabelHeight, at, AcGeVector3d(1, 0, 0), AcGeVector3d(0, 1, 0), kLabelColor);
+    b.add(o);
+    return;
+  }
   double width = 0.0;
   for (char ch : text) {
     const unsigned char c = static_cast<unsigned char>(ch);
@@ -181,7 +189,9 @@ KxModelCounts KxCountModel(const CObjectSetMgr& set) {
   return c;
 }
 
-KxModelCounts KxBuildTower(CObjectSetMgr& set, int storeys, int bays) {
+KxModelCounts KxBuildTower(CObjectSetMgr& set, int storeys, int bays) { return KxBuildTower(set, storeys, bays, nullptr); }
+
+KxModelCounts KxBuildTower(CObjectSetMgr& set, int storeys, int bays, const char* labelFont) {
   Builder b{set, {}};
   if (storeys < 1 || storeys > kTowerMaxStoreys || bays < kTowerMinBays || bays > kTowerMaxBays) return b.counts;
   const double w = kBay * bays;
@@ -212,7 +222,8 @@ KxModelCounts KxBuildTower(CObjectSetMgr& set, int storeys, int bays) {
       for (int y = 0; y < labelsPerSide; ++y) {
         char number[32];
         std::snprintf(number, sizeof number, "%d-%d", k + 1, ++room);
-        label(b, {12.0 * x + 1.5, 12.0 * y + 1.5, z0 + 1.5}, std::string("\xE6\x88\xBF\xE9\x97\xB4") + number);
+        label(b, {12.0 * x + 1.5, 12.0 * y + 1.5, z0 + 1.5}, std::string("\xE6\x88\xBF\xE9\x97\xB4") + number,
+              labelFont);
       }
     }
   }

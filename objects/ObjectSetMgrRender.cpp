@@ -25,6 +25,10 @@ void CObjectSetMgr::releaseDispList() {
   for (auto& kv : m_objects) {
     if (!kv.second) continue;
     kv.second->releaseRetainedList();
+    // Like the shapes' lists, the volume goes now, in the current context.
+    const unsigned volume = kv.second->getShadowVolumeList();
+    if (volume && kgl->IsList(volume)) kgl->DeleteLists(volume, 1);
+    kv.second->m_shadow = CRenderObject::ShadowVolumeState();
     for (CRenderShape& s : kv.second->getShps()) s.releaseDisplayList();
     for (std::vector<CRenderShape>& level : kv.second->getLodShpss())
       for (CRenderShape& s : level) s.releaseDisplayList();
@@ -166,7 +170,7 @@ void CObjectSetMgr::drawObjects(const std::vector<CRenderObject*>& objs) {
   const double pixelsPerUnit = m_scene->getPixelsPerUnit();
   const double unitsPerPixel = 1.0 / pixelsPerUnit;
   const AcGeVector3d viewDirection = -m_scene->camera()->GetVForward();
-  const kxretained::PointBatchScope points(m_scene);
+  const kxretained::ObjectPassScope points(m_scene);
   for (CRenderObject* o : objs)
     if (o) o->render(true, &unitsPerPixel, &pixelsPerUnit, &viewDirection);
 }

@@ -42,6 +42,7 @@ void CRenderObject::copyFrom(const CRenderObject& o) {
   // Shapes replaced or dropped by the assignment would take their compiled
   // lists with them: hand those to the scene first.
   releaseAllShapeLists();
+  releaseShadowVolume();
   m_shapes = o.m_shapes;
   // An object in a set keeps its place there; a fresh copy takes the source's.
   if (!m_inSet) {
@@ -81,6 +82,7 @@ void CRenderObject::copyFrom(const CRenderObject& o) {
 
 CRenderObject::~CRenderObject() {
   releaseAllShapeLists();
+  releaseShadowVolume();
   clearSnapCurves();
   clearSmpMat();
 }
@@ -103,11 +105,13 @@ void CRenderObject::releaseAllShapeLists() {
 }
 
 void CRenderObject::clearShape() {
+  m_shadow.stale = true;
   releaseShapeLists(m_shapes.begin(), m_shapes.end());
   m_shapes.clear();
 }
 
 void CRenderObject::resize(unsigned n) {
+  m_shadow.stale = true;
   if (n < m_shapes.size()) releaseShapeLists(m_shapes.begin() + n, m_shapes.end());
   m_shapes.resize(n);
 }
@@ -164,6 +168,7 @@ void CRenderObject::endAddShape() {
 void CRenderObject::calBox() {
   // Instanced shapes are seen only through their matrices; measuring them
   // there keeps culling right for objects drawn by instancing.
+  m_shadow.stale = true;  // shapes were set or moved
   AcGeBoundBlock3d box;
   std::vector<AcGeMatrix3d> mats;
   for (const CSimpleMatrix* m : m_smpMats)

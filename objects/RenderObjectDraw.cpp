@@ -6,6 +6,7 @@
 #include "kxrender/CRenderObject.h"
 #include "kxrender/CSceneMgr.h"
 #include "objects/RetainedDraw.h"
+#include "objects/ShadowVolume.h"
 #include "support/GLTable.h"
 
 void CRenderObject::addOutlineShape(const CRenderShape* s) {
@@ -38,6 +39,7 @@ void CRenderObject::drawShapes(std::vector<CRenderShape>& shapes, unsigned insta
 
 void CRenderObject::render(bool cullBackFaces, const double* unitsPerPixel, const double* pixelsPerUnit,
                            const AcGeVector3d* viewDirection) {
+  endShadowVolumeState();  // faces are drawn in their own state
   if (!m_visible || !m_objSet) return;
   CSceneMgr* scene = m_objSet->getScene();
 

@@ -27,6 +27,7 @@ void copyCurves(const std::vector<AcGeCurve3d*>& from, std::vector<AcGeCurve3d*>
 void CRenderObject::clearSmpMat() {
   for (CSimpleMatrix* m : m_smpMats) delete m;
   m_smpMats.clear();
+  m_shadow.stale = true;
   snapChanged();
 }
 

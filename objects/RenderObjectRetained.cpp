@@ -8,6 +8,7 @@
 #include "kxrender/CRenderObject.h"
 #include "kxrender/CSceneMgr.h"
 #include "objects/RetainedDraw.h"
+#include "objects/RetainedLean.h"
 #include "support/GLTable.h"
 
 namespace {
@@ -48,11 +49,9 @@ bool culled(const CRenderShape& s, bool cullBackFaces, const AcGeVector3d* viewD
   return !(n.x * viewDirection->x + n.y * viewDirection->y + n.z * viewDirection->z > 0.0);
 }
 
-// Adds what the drawers read from s; false when s needs the per-shape path:
-// selection feedback queues outlines (a list would lose them), text lays
-// itself out per frame, and a face mesh compiles its own list on first draw,
-// which cannot happen inside another list.
-bool addShapeKey(KeyHash& k, const CRenderShape& s, int mode, bool cullBackFaces, const double* pixelsPerUnit,
+// Adds what the drawers read from s; false when s needs the per-shape path
+// (see kxretained::canWrite).
+bool addShapeKey(KeyHash& k, const CRenderShape& s, bool cullBackFaces, const double* pixelsPerUnit,
                  const AcGeVector3d* viewDirection) {
   if (!s.getVisible()) {
     k.add(uint64_t{1});
@@ -62,16 +61,12 @@ bool addShapeKey(KeyHash& k, const CRenderShape& s, int mode, bool cullBackFaces
     k.add(uint64_t{2});
     return true;
   }
-  if (s.getHit() || s.getHighLight() || s.isDotLine()) return false;
-  const CRenderShape::ShapeType type = s.getShpType();
-  if (type == CRenderShape::kText) return false;
-  if (type == CRenderShape::kFace && mode != 0 && s.getFaceDisplayList() == 0) return false;
-  k.add(static_cast<uint64_t>(type) + 3);
+  if (!kxretained::canWrite(s)) return false;
+  k.add(static_cast<uint64_t>(s.getShpType()) + 3);
   k.add(static_cast<uint64_t>(s.drawStamp()));
   k.add(s.getClr());
   k.add(s.getBorderColor());
-  k.add(static_cast<uint64_t>(s.getShowBorder() | s.hasTexture() << 1));
-  k.add(static_cast<uint64_t>(s.getTexture()));
+  k.add(static_cast<uint64_t>(s.getShowBorder()));
   k.add(s.lineWidth(pixelsPerUnit));
   k.add(s.getBorderWidth());
   k.add(s.getOffsetFactor());
@@ -85,11 +80,10 @@ bool addShapeKey(KeyHash& k, const CRenderShape& s, int mode, bool cullBackFaces
   for (const auto& hole : s.getHoles()) k.addVec(hole);
   k.addVec(s.getGlPts());
   k.addVec(s.getStrips());
-  k.addVec(s.getTexCoords());
   k.addVec(s.getHitLine());
-  k.add(static_cast<uint64_t>(s.getFaceDisplayList()));
   k.add(static_cast<const void*>(s.getFaceVertexArray()));
-  k.add(static_cast<const void*>(s.getFaceTexCoordArray()));
+  k.add(static_cast<const void*>(s.getFaceTriangleIndexArray()));
+  k.add(static_cast<const void*>(s.getFaceNormalArray()));
   return true;
 }
 
@@ -117,7 +111,7 @@ thread_local PointBatch g_points;
 
 namespace kxretained {
 
-PointBatchScope::PointBatchScope(const CSceneMgr* scene) {
+ObjectPassScope::ObjectPassScope(const CSceneMgr* scene) {
   // The shadow passes keep their own polygon offsets, which a point drawn
   // in place resets: they keep the per-object points.
   m_on = scene && scene->isRetainedDraw() && !scene->isShadow() && !g_points.active;
@@ -126,7 +120,7 @@ PointBatchScope::PointBatchScope(const CSceneMgr* scene) {
   g_points.items.clear();
 }
 
-PointBatchScope::~PointBatchScope() {
+ObjectPassScope::~ObjectPassScope() {
   if (!m_on) return;
   g_points.active = false;
   if (g_points.items.empty()) return;
@@ -143,6 +137,8 @@ PointBatchScope::~PointBatchScope() {
   g_points.items.clear();
 }
 
+bool inObjectPass() { return g_points.active; }
+
 bool queuePoint(const CColor& color, const AcGePoint3d& centre) {
   if (!g_points.active) return false;
   g_points.items.push_back({color, centre});
@@ -154,14 +150,17 @@ bool queuePoint(const CColor& color, const AcGePoint3d& centre) {
 bool CRenderObject::drawRetained(std::vector<CRenderShape>& shapes, unsigned instanced, bool cullBackFaces,
                                  const double* pixelsPerUnit, const AcGeVector3d* viewDirection, bool isLod) {
   const CSceneMgr* scene = m_objSet ? m_objSet->getScene() : nullptr;
-  if (!scene || !scene->isRetainedDraw() || m_trackerXor) return false;
+  // Blending depends on the drawing order of every fill and line, and the
+  // shadow passes set their own offsets: both keep the per-shape path.
+  if (!scene || !scene->isRetainedDraw() || m_trackerXor || scene->isShadow() || scene->getTransparent() != 255 ||
+      !kxretained::inObjectPass())
+    return false;
 
   KeyHash k;
   k.add(static_cast<const void*>(shapes.data()));
   k.add(static_cast<uint64_t>(shapes.size()));
   k.add(static_cast<uint64_t>(instanced) << 1 | isLod);
   k.add(static_cast<uint64_t>(static_cast<uint32_t>(m_renderMode)));
-  k.add(static_cast<uint64_t>(scene->getTransparent() | scene->isShadow() << 8));
   for (const CSimpleMatrix* m : m_smpMats) {
     k.add(static_cast<const void*>(m));
     if (!m) continue;
@@ -169,7 +168,7 @@ bool CRenderObject::drawRetained(std::vector<CRenderShape>& shapes, unsigned ins
     for (float v : m->getValues()) k.add(v);
   }
   for (const CRenderShape& s : shapes)
-    if (!addShapeKey(k, s, m_renderMode, cullBackFaces, pixelsPerUnit, viewDirection)) return false;
+    if (!addShapeKey(k, s, cullBackFaces, pixelsPerUnit, viewDirection)) return false;
   const uint64_t key = k.value();
 
   if (m_retainedList != 0 && key == m_retainedKey) {
@@ -180,9 +179,20 @@ bool CRenderObject::drawRetained(std::vector<CRenderShape>& shapes, unsigned ins
   releaseRetainedList();
   const GLuint list = kgl->GenLists(1);
   if (list == 0) return false;
-  // Compiled while drawn: the first frame makes the per-shape calls itself.
   kgl->NewList(list, GL_COMPILE_AND_EXECUTE);
-  drawShapes(shapes, instanced, cullBackFaces, pixelsPerUnit, viewDirection, isLod);
+  {
+    kxretained::LeanWriter w(m_renderMode, 255);
+    auto put = [&](const CRenderShape& s) {
+      if (s.getVisible() && !culled(s, cullBackFaces, viewDirection)) w.shape(s, pixelsPerUnit);
+    };
+    for (const CSimpleMatrix* m : m_smpMats) {
+      if (!m) continue;
+      w.pushMatrix(*m);
+      for (unsigned i = 0; i < instanced; ++i) put(shapes[i]);
+      w.popMatrix();
+    }
+    for (size_t i = instanced; i < shapes.size(); ++i) put(shapes[i]);
+  }
   kgl->EndList();
   m_retainedList = list;
   m_retainedKey = key;

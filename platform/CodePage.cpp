@@ -78,6 +78,15 @@ bool convert(iconv_t cd, const char* in, size_t inLen, std::string& out, const c
   iconv(cd, nullptr, nullptr, nullptr, nullptr);
   out.clear();
   char chunk[256];
+  // Decoders that combine marks with the character before them (CP1255,
+  // CP1258) hold that character back until told its run has ended; this
+  // writes it out and resets the state.
+  const auto flush = [&] {
+    char* dst = chunk;
+    size_t room = sizeof chunk;
+    iconv(cd, nullptr, nullptr, &dst, &room);
+    out.append(chunk, size_t(dst - chunk));
+  };
   char* src = const_cast<char*>(in);
   size_t left = inLen;
   while (left > 0) {
@@ -88,12 +97,13 @@ bool convert(iconv_t cd, const char* in, size_t inLen, std::string& out, const c
     if (r != static_cast<size_t>(-1)) continue;
     if (errno == E2BIG) continue;
     if (strict) return false;
+    flush();
     out.append(replacement, replacementLen);
     const size_t skip = left < skipUnit ? left : skipUnit;
     src += skip;
     left -= skip;
-    iconv(cd, nullptr, nullptr, nullptr, nullptr);
   }
+  flush();
   return true;
 }
 

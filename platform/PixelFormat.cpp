@@ -34,14 +34,16 @@ EGLConfig configOf(KxWindow* w, int format) {
   return w->platform->configFor(registry()[static_cast<size_t>(format - 1)], w->chain->nativeVisual());
 }
 
-PIXELFORMATDESCRIPTOR describe(const FormatKey& k, bool supported) {
+PIXELFORMATDESCRIPTOR describe(const FormatKey& k, bool supported, bool memory) {
   PIXELFORMATDESCRIPTOR pfd;
   std::memset(&pfd, 0, sizeof pfd);
   pfd.nSize = sizeof pfd;
   pfd.nVersion = 1;
   // Window surfaces swap; off-screen windows swap two pbuffers: both are
-  // double-buffered to the engine.
-  pfd.dwFlags = supported ? PFD_DRAW_TO_WINDOW | PFD_SUPPORT_OPENGL | PFD_DOUBLEBUFFER : 0;
+  // double-buffered to the engine. A memory DC draws into its one bitmap.
+  const DWORD kinds = memory ? PFD_DRAW_TO_BITMAP | PFD_SUPPORT_GDI | PFD_SUPPORT_OPENGL
+                             : PFD_DRAW_TO_WINDOW | PFD_SUPPORT_OPENGL | PFD_DOUBLEBUFFER;
+  pfd.dwFlags = supported ? kinds : 0;
   pfd.iPixelType = PFD_TYPE_RGBA;
   pfd.cRedBits = BYTE(k.red);
   pfd.cGreenBits = BYTE(k.green);
@@ -65,7 +67,7 @@ int DescribePixelFormat(HDC hDC, int format, UINT bytes, PIXELFORMATDESCRIPTOR* 
   const int count = registerFormats(w);
   if (pfd && bytes >= sizeof(PIXELFORMATDESCRIPTOR)) {
     if (format < 1 || format > count) return 0;
-    *pfd = describe(registry()[static_cast<size_t>(format - 1)], configOf(w, format) != nullptr);
+    *pfd = describe(registry()[static_cast<size_t>(format - 1)], configOf(w, format) != nullptr, w->memory);
   }
   return count;
 }

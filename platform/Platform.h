@@ -101,10 +101,20 @@ class Platform {
   }
   bool commit(SwapChain& chain) const { return chain.commit(); }
 
+  // Windows and contexts each hold their platform while they live.
+  void hold() { ++m_users; }
+  // The last holder let go: a platform on a native display that the host
+  // owns is forgotten, so the host may close that display.
+  void release() {
+    if (m_users > 0 && --m_users == 0) unused();
+  }
+
  protected:
   Platform(EGLDisplay display, EGLint surfaceBit) : m_display(display), m_surfaceBit(surfaceBit) {}
+  virtual void unused() {}
 
  private:
+  int m_users = 0;
   EGLDisplay m_display;
   EGLint m_surfaceBit;
   std::vector<std::pair<long, std::vector<std::pair<FormatKey, EGLConfig>>>> m_formats;  // by visual

@@ -7,8 +7,10 @@
 namespace kxplatform {
 namespace {
 std::set<const KxGLContext*>& contexts() {
-  static std::set<const KxGLContext*> live;
-  return live;
+  // Never destroyed: the shared off-screen bitmap may let go of its DC
+  // while statics are destroyed at exit.
+  static auto* live = new std::set<const KxGLContext*>;
+  return *live;
 }
 KxGLContext*& currentContext() {
   static KxGLContext* current = nullptr;
@@ -34,6 +36,7 @@ HGLRC wglCreateContext(HDC hDC) {
   c->config = w->config;
   c->context = ctx;
   contexts().insert(c);
+  c->platform->hold();
   return c;
 }
 
@@ -64,7 +67,9 @@ BOOL wglDeleteContext(HGLRC hRC) {
   hRC->platform->destroyContext(hRC->context);
   contexts().erase(hRC);
   forgetContext(hRC);
+  Platform* platform = hRC->platform;
   delete hRC;
+  platform->release();
   return TRUE;
 }
 

@@ -31,3 +31,15 @@ HDC wglGetCurrentDC();
 // Presents the frame: an X11 window swaps; an off-screen window swaps its two
 // pbuffers, keeping the presented one for KxReadWindowPixels.
 BOOL SwapBuffers(HDC hDC);
+
+// Memory DCs and device-independent bitmaps. A memory DC takes a pixel
+// format and contexts like a window DC; GL then draws at the size of the
+// bitmap selected in it. Bitmaps larger than an off-screen surface allows,
+// or than memory can hold, are refused.
+HDC CreateCompatibleDC(HDC hDC);
+BOOL DeleteDC(HDC hDC);
+HBITMAP CreateDIBSection(HDC hDC, const BITMAPINFO* info, UINT usage, void** bits, void* section, DWORD offset);
+HGDIOBJ SelectObject(HDC hDC, HGDIOBJ object);
+BOOL DeleteObject(HGDIOBJ object);
+// Copies between bitmaps selected in memory DCs, clipped to both.
+BOOL BitBlt(HDC dst, int x, int y, int width, int height, HDC src, int srcX, int srcY, DWORD rop);

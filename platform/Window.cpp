@@ -8,8 +8,10 @@
 namespace kxplatform {
 namespace {
 std::set<const KxWindow*>& windows() {
-  static std::set<const KxWindow*> live;
-  return live;
+  // Never destroyed: the shared off-screen bitmap may let go of its DC
+  // while statics are destroyed at exit.
+  static auto* live = new std::set<const KxWindow*>;
+  return *live;
 }
 }  // namespace
 
@@ -22,19 +24,37 @@ void forgetContext(const KxGLContext* c) {
     if (w->lastContext == c) const_cast<KxWindow*>(w)->lastContext = nullptr;
 }
 
+KxWindow* registerDrawable(Platform* platform, std::unique_ptr<SwapChain> chain, bool memory) {
+  if (!chain) return nullptr;
+  auto* w = new KxWindow;
+  w->platform = platform;
+  w->chain = std::move(chain);
+  w->memory = memory;
+  w->dc.window = w;
+  windows().insert(w);
+  platform->hold();
+  return w;
+}
+
+void destroyDrawable(KxWindow* w) {
+  if (w->lastContext && isLiveContext(w->lastContext) && w->lastContext->currentWindow == w)
+    w->lastContext->currentWindow = nullptr;
+  windows().erase(w);
+  Platform* platform = w->platform;
+  delete w;  // the swap chain unbinds and destroys its surfaces
+  platform->release();
+}
+
 }  // namespace kxplatform
 
 using namespace kxplatform;
 
 static HWND registerWindow(Platform* platform, std::unique_ptr<SwapChain> chain) {
-  if (!chain) return nullptr;
-  auto* w = new KxWindow;
-  w->platform = platform;
-  w->chain = std::move(chain);
-  w->dc.window = w;
-  windows().insert(w);
-  return w;
+  return registerDrawable(platform, std::move(chain), false);
 }
+
+// Memory DCs are drawables too, but never windows to the host.
+static bool isHostWindow(const KxWindow* w) { return isLiveWindow(w) && !w->memory; }
 
 // Larger surfaces exceed what GL viewports address and would allocate
 // gigabytes on a software rasteriser.
@@ -55,23 +75,19 @@ HWND KxAttachX11Window(void* display, unsigned long window) {
 }
 
 void KxDestroyWindow(HWND hWnd) {
-  if (!isLiveWindow(hWnd)) return;
-  if (hWnd->lastContext && isLiveContext(hWnd->lastContext) && hWnd->lastContext->currentWindow == hWnd)
-    hWnd->lastContext->currentWindow = nullptr;
-  windows().erase(hWnd);
-  delete hWnd;  // the swap chain unbinds and destroys its surfaces
+  if (isHostWindow(hWnd)) destroyDrawable(hWnd);
 }
 
 bool KxResizeOffscreenWindow(HWND hWnd, int width, int height) {
-  if (!isLiveWindow(hWnd)) return false;
+  if (!isHostWindow(hWnd)) return false;
   if (width > kMaxOffscreenSide || height > kMaxOffscreenSide) return false;
   return hWnd->chain->resize(std::max(1, width), std::max(1, height));
 }
 
-bool KxNotifyWindowResized(HWND hWnd) { return isLiveWindow(hWnd) && hWnd->chain->sizeChanged(); }
+bool KxNotifyWindowResized(HWND hWnd) { return isHostWindow(hWnd) && hWnd->chain->sizeChanged(); }
 
 bool KxReadWindowPixels(HWND hWnd, std::vector<uint8_t>& rgba, int& width, int& height) {
-  if (!isLiveWindow(hWnd)) return false;
+  if (!isHostWindow(hWnd)) return false;
   KxGLContext* reader = isLiveContext(hWnd->lastContext) ? hWnd->lastContext : nullptr;
   if (hWnd->chain->presentedFrame(reader ? reader->context : EGL_NO_CONTEXT, rgba, width, height)) return true;
   const EGLSurface drawn = hWnd->chain->drawSurface();
@@ -82,10 +98,10 @@ bool KxReadWindowPixels(HWND hWnd, std::vector<uint8_t>& rgba, int& width, int& 
   return true;
 }
 
-BOOL IsWindow(HWND hWnd) { return isLiveWindow(hWnd) ? TRUE : FALSE; }
+BOOL IsWindow(HWND hWnd) { return isHostWindow(hWnd) ? TRUE : FALSE; }
 
 BOOL GetClientRect(HWND hWnd, RECT* rect) {
-  if (!isLiveWindow(hWnd) || !rect) return FALSE;
+  if (!isHostWindow(hWnd) || !rect) return FALSE;
   int width = 0, height = 0;
   clientSize(hWnd, width, height);
   *rect = RECT{0, 0, width, height};
@@ -93,7 +109,7 @@ BOOL GetClientRect(HWND hWnd, RECT* rect) {
 }
 
 BOOL ScreenToClient(HWND hWnd, POINT* pt) {
-  if (!isLiveWindow(hWnd) || !pt) return FALSE;
+  if (!isHostWindow(hWnd) || !pt) return FALSE;
   int x = pt->x, y = pt->y;
   if (!hWnd->chain->screenToClient(x, y)) return FALSE;
   pt->x = x;
@@ -101,14 +117,14 @@ BOOL ScreenToClient(HWND hWnd, POINT* pt) {
   return TRUE;
 }
 
-HDC GetDC(HWND hWnd) { return isLiveWindow(hWnd) ? &hWnd->dc : nullptr; }
+HDC GetDC(HWND hWnd) { return isHostWindow(hWnd) ? &hWnd->dc : nullptr; }
 
 int ReleaseDC(HWND hWnd, HDC hDC) {
   // Each window owns its DC for its whole life, so releasing only validates.
-  return (isLiveWindow(hWnd) && hDC == &hWnd->dc) ? 1 : 0;
+  return (isHostWindow(hWnd) && hDC == &hWnd->dc) ? 1 : 0;
 }
 
 HWND WindowFromDC(HDC hDC) {
-  if (!hDC || !isLiveWindow(hDC->window)) return nullptr;
+  if (!hDC || !isHostWindow(hDC->window)) return nullptr;
   return hDC->window;
 }

@@ -16,11 +16,25 @@ struct KxDeviceContext {
 
 struct KxWindow {
   kxplatform::Platform* platform = nullptr;
+  // A memory DC's drawable: not a window to the host, and drawn into at the
+  // size of the bitmap selected in it.
+  bool memory = false;
+  KxBitmap* bitmap = nullptr;  // selected; at first the DC's own 1 x 1 one
+  KxBitmap* stockBitmap = nullptr;
   std::unique_ptr<kxplatform::SwapChain> chain;
   int pixelFormat = 0;  // 0 until SetPixelFormat
   EGLConfig config = nullptr;
   KxDeviceContext dc;                  // one DC per window, handed out by GetDC
   KxGLContext* lastContext = nullptr;  // last context made current here
+};
+
+// A device-independent bitmap: rows of header.biWidth pixels, bottom-up,
+// blue-green-red(-alpha), each row padded to four bytes.
+struct KxBitmap {
+  BITMAPINFOHEADER header = {};
+  uint8_t* bits = nullptr;  // calloc'd: pages are only committed when drawn
+  size_t rowBytes = 0;
+  KxWindow* selectedIn = nullptr;
 };
 
 struct KxGLContext {
@@ -33,6 +47,9 @@ struct KxGLContext {
 namespace kxplatform {
 
 bool isLiveWindow(const KxWindow* w);
+// Registers a drawable (window or memory DC); null when chain is null.
+KxWindow* registerDrawable(Platform* platform, std::unique_ptr<SwapChain> chain, bool memory);
+void destroyDrawable(KxWindow* w);
 bool isLiveContext(const KxGLContext* c);
 // How many contexts exist (created and not yet deleted).
 size_t liveContextCount();

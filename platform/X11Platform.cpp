@@ -67,29 +67,48 @@ class X11SwapChain : public SwapChain {
   EGLSurface m_surface = EGL_NO_SURFACE;
 };
 
+class X11Platform;
+// One platform per host Display, while windows or contexts use it.
+std::map<void*, std::unique_ptr<X11Platform>>& platforms() {
+  static std::map<void*, std::unique_ptr<X11Platform>> open;
+  return open;
+}
+
 class X11Platform : public Platform {
  public:
-  explicit X11Platform(EGLDisplay display) : Platform(display, EGL_WINDOW_BIT) {}
+  X11Platform(EGLDisplay display, void* xdisplay) : Platform(display, EGL_WINDOW_BIT), m_xdisplay(xdisplay) {}
+  // The host may close its Display once its windows are gone, and a new
+  // one may get the same address: the EGL display must not outlive it.
+  ~X11Platform() override {
+    if (eglGetCurrentDisplay() == display())
+      eglMakeCurrent(display(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    eglTerminate(display());
+  }
   std::unique_ptr<SwapChain> createSwapChain(void* nativeDisplay, unsigned long nativeWindow) override {
     Display* xdisplay = static_cast<Display*>(nativeDisplay);
     XWindowAttributes attrs;
     if (!XGetWindowAttributes(xdisplay, static_cast<Window>(nativeWindow), &attrs)) return nullptr;
     return std::make_unique<X11SwapChain>(display(), xdisplay, static_cast<Window>(nativeWindow), attrs);
   }
+
+ protected:
+  void unused() override { platforms().erase(m_xdisplay); }  // destroys this
+
+ private:
+  void* m_xdisplay;
 };
 
 }  // namespace
 
 Platform* x11Platform(void* xdisplay) {
-  static std::map<void*, std::unique_ptr<X11Platform>> platforms;
-  auto it = platforms.find(xdisplay);
-  if (it != platforms.end()) return it->second.get();
+  auto it = platforms().find(xdisplay);
+  if (it != platforms().end()) return it->second.get();
   EGLDisplay dpy = EGL_NO_DISPLAY;
   if (hasClientExtension("EGL_KHR_platform_x11") || hasClientExtension("EGL_EXT_platform_x11"))
     dpy = initialisedDisplay(eglGetPlatformDisplayEXT(EGL_PLATFORM_X11_KHR, xdisplay, nullptr));
-  auto& platform = platforms[xdisplay];
-  if (dpy != EGL_NO_DISPLAY) platform = std::make_unique<X11Platform>(dpy);
-  return platform.get();
+  // A display that failed is not remembered: the next window tries again.
+  if (dpy == EGL_NO_DISPLAY) return nullptr;
+  return (platforms()[xdisplay] = std::make_unique<X11Platform>(dpy, xdisplay)).get();
 }
 
 }  // namespace kxplatform

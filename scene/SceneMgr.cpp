@@ -46,6 +46,7 @@ void CSceneMgr::copyFrom(const CSceneMgr& o) {
   m_orbitStatus = o.m_orbitStatus;
   m_camera = o.m_camera;
   m_cameraStack = o.m_cameraStack;
+  m_viewExtras = o.m_viewExtras;
   m_pfnScene2Model = o.m_pfnScene2Model;
   m_bShadow = o.m_bShadow;
   std::copy_n(o.m_lightPos, 4, m_lightPos);
@@ -194,10 +195,14 @@ void CSceneMgr::setLightpos(const float* p) {
   if (p) std::copy_n(p, 4, m_lightPos);
 }
 
-void CSceneMgr::render() {
+void CSceneMgr::deleteQueuedLists() {
   for (unsigned int id : m_removedDispLists)
     if (kgl->IsList(id)) kgl->DeleteLists(id, 1);
   m_removedDispLists.clear();
+}
+
+void CSceneMgr::render() {
+  deleteQueuedLists();
 
   m_currentScenePtr = this;
   setViewport();

@@ -89,9 +89,10 @@ void CSceneMgr::zoomW(CPoint p1, CPoint p2) {
   clientSize(w, h);
   const double ux = 2.0 * m_frustumWidth / w;
   const double uy = 2.0 * m_frustumHeight / h;
-  const int left = std::min(p1.x, p2.x), top = std::min(p1.y, p2.y);
-  const int rw = std::max(p1.x, p2.x) - left, rh = std::max(p1.y, p2.y) - top;
-  moveCamera(ux * (w / 2 - (rw / 2 + left)), uy * (h / 2 - (rh / 2 + top)));
+  // Wide integers: corners far outside the window must not overflow.
+  const long long left = std::min(p1.x, p2.x), top = std::min(p1.y, p2.y);
+  const long long rw = std::max(p1.x, p2.x) - left, rh = std::max(p1.y, p2.y) - top;
+  moveCamera(ux * double(w / 2 - (rw / 2 + left)), uy * double(h / 2 - (rh / 2 + top)));
   scaleRange(std::max(double(rw) / w, double(rh) / h));
   SetModelCam();  // a second time when scaleRange already called it
 }
@@ -101,7 +102,8 @@ void CSceneMgr::mouseWheel(short delta, CPoint pt) {
   ScreenToClient(m_hWnd, &pt);
   int w, h;
   clientSize(w, h);
-  const int dx = w / 2 - pt.x, dy = h / 2 - pt.y;
+  // In doubles: a cursor far outside the window must not overflow.
+  const double dx = double(w / 2) - pt.x, dy = double(h / 2) - pt.y;
   double ux = 2.0 * m_frustumWidth / w;
   double uy = 2.0 * m_frustumHeight / h;
   // Bring the point under the cursor to the centre, scale about the centre,
@@ -127,7 +129,7 @@ void CSceneMgr::mouseMove(CSize d) {
   clientSize(w, h);
   const double ux = 2.0 * m_frustumWidth / w;
   const double uy = 2.0 * m_frustumHeight / h;
-  moveCamera(ux * -d.cx, uy * -d.cy);
+  moveCamera(ux * -double(d.cx), uy * -double(d.cy));
   SetModelCam();
 }
 
@@ -135,11 +137,11 @@ void CSceneMgr::mouseFreeRotate(CSize d, CPoint pt) {
   // A drag across 80 % of the shorter side turns half a revolution.
   const double s = 0.8 * std::min(m_viewWidth, m_viewHeight);
   if (!(s > 0.0)) return;  // no viewport yet: no angle can be had
-  const double aRight = -d.cy / s * M_PI;
+  const double aRight = -double(d.cy) / s * M_PI;
   const double aUp = d.cx / s * M_PI;
   const int cw = m_viewWidth / 2, ch = m_viewHeight / 2;
-  const AcGeVector2d u(pt.x + d.cx - cw, pt.y + d.cy - ch);
-  const AcGeVector2d v(pt.x - cw, pt.y - ch);
+  const AcGeVector2d u(double(pt.x) + d.cx - cw, double(pt.y) + d.cy - ch);
+  const AcGeVector2d v(double(pt.x) - cw, double(pt.y) - ch);
   const double aFront = u.angle() - v.angle();
   const AcGePoint3d pivot = orbitPivot(false);
   switch (m_orbitStatus) {
@@ -158,7 +160,7 @@ void CSceneMgr::mouseFreeRotate(CSize d, CPoint pt) {
 void CSceneMgr::mouseLimitRotate(CSize d, CPoint) {
   const double s = 0.8 * std::min(m_viewWidth, m_viewHeight);
   if (!(s > 0.0)) return;
-  const double aRight = -d.cy / s * M_PI;
+  const double aRight = -double(d.cy) / s * M_PI;
   const double aZ = d.cx / s * M_PI;
   const AcGePoint3d pivot = orbitPivot(true);
   // Tilt first, then turn about the world z axis: no roll creeps in.
@@ -168,6 +170,7 @@ void CSceneMgr::mouseLimitRotate(CSize d, CPoint) {
 }
 
 void CSceneMgr::pushCamera(bool bMerge) {
+  m_viewExtras.redo.clear();  // a new view: nothing left to redo
   const CameraRecord rec{bMerge, _time64(nullptr), m_camera, m_dRange};
   if (m_cameraStack.empty()) {
     m_cameraStack.push_back(rec);

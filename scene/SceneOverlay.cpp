@@ -50,8 +50,16 @@ void CSceneMgr::setCoordVP() {
 }
 
 void CSceneMgr::drawCoordinate() {
+  drawTripod(0, 0);
+  setViewport();
+  m_camera.look();
+}
+
+void CSceneMgr::drawTripod(int vx, int vy) {
   kgl->Disable(GL_LIGHTING);
   setCoordVP();
+  // A tile of a larger picture places it where it falls in the picture.
+  if (vx != 0 || vy != 0) kgl->Viewport(vx, vy, 100, 100);
   // Look along the scene's direction from -forward: the tripod turns with
   // the view but ignores pans and zooms.
   CCamera tripodCam = m_camera;
@@ -79,8 +87,6 @@ void CSceneMgr::drawCoordinate() {
   }
 
   if (m_bLightOpen) kgl->Enable(GL_LIGHTING);
-  setViewport();
-  m_camera.look();
 }
 
 void CSceneMgr::draw3dOrbit() {

@@ -18,7 +18,11 @@ void CSceneMgr::setViewport() {
   GetClientRect(m_hWnd, &rc);
   const int w = std::max<int>(1, rc.right - rc.left);
   const int h = std::max<int>(1, rc.bottom - rc.top);
-  kgl->Viewport(0, 0, w, h);
+  setImageProjection(w, h, 0, 0, w, h, true);
+}
+
+void CSceneMgr::setImageProjection(int w, int h, int x, int y, int tw, int th, bool moveCamera) {
+  kgl->Viewport(0, 0, tw, th);
   kgl->MatrixMode(GL_PROJECTION);
   kgl->LoadIdentity();
 
@@ -31,18 +35,25 @@ void CSceneMgr::setViewport() {
     fh = m_dRange;
   }
   const double larger = std::max(fw, fh);
+  // A region's edges on the whole picture's volume; the picture's own edges
+  // exactly, so a one-piece frame is not touched by rounding.
+  auto across = [](double half, int at, int whole) {
+    return at == 0 ? -half : at == whole ? half : -half + 2.0 * half * at / whole;
+  };
+  const double left = across(fw, x, w), right = across(fw, x + tw, w);
+  const double top = -across(fh, y, h), bottom = -across(fh, y + th, h);
 
   if (m_bPerspective == 0) {
     AcGePoint3d boxMin, boxMax;
     m_objSetMgr.getBox(boxMin, boxMax);
     const AcGePoint3d centre = boxMin + (boxMax - boxMin) * 0.5;
-    m_camera.OrthoNormal(centre);
+    if (moveCamera) m_camera.OrthoNormal(centre);
     const double rad = 0.5 * boxMin.distanceTo(boxMax);
     // The eye sits level with the box centre and the volume reaches as far
     // behind it as in front, so the eye's place never clips the model.
     const double n = std::min(-100.0 * larger, -rad);
     const double f = std::max(100.0 * larger, rad);
-    kgl->Ortho(-fw, fw, -fh, fh, 2.0 * n, 2.0 * f);
+    kgl->Ortho(left, right, bottom, top, 2.0 * n, 2.0 * f);
   } else {
     kgl->gluPerspective(45.0, static_cast<double>(w / h), 0.1, 1000.0);  // integer aspect, kept
   }
@@ -70,12 +81,23 @@ void CSceneMgr::updateFrustumAndMatrix() {
   // right, left, bottom, top, near: C3 -/+ C0, C3 +/- C1, C3 + C2.
   const int axis[5] = {0, 0, 1, 1, 2};
   const double sign[5] = {-1.0, 1.0, 1.0, -1.0, 1.0};
+  // A tile drawn through a larger viewport sees only its own part of it:
+  // the side planes move in to the tile's edges.
+  double edge[5] = {1.0, 1.0, 1.0, 1.0, 1.0};
+  if (m_regionSize[0] > 0 && m_viewport[2] > 0 && m_viewport[3] > 0) {
+    auto ndc = [](double at, int origin, int size) { return std::clamp(2.0 * (at - origin) / size - 1.0, -1.0, 1.0); };
+    edge[0] = ndc(m_regionSize[0], m_viewport[0], m_viewport[2]);
+    edge[1] = -ndc(0, m_viewport[0], m_viewport[2]);
+    edge[2] = -ndc(0, m_viewport[1], m_viewport[3]);
+    edge[3] = ndc(m_regionSize[1], m_viewport[1], m_viewport[3]);
+  }
   // Sized once: this runs every frame and must not allocate.
   if (m_frustumPlanes.size() != 5) m_frustumPlanes.resize(5);
   for (int p = 0; p < 5; ++p) {
     std::vector<double>& plane = m_frustumPlanes[size_t(p)];
     plane.resize(4);
-    for (int row = 0; row < 4; ++row) plane[size_t(row)] = column(3, row) + sign[p] * column(axis[p], row);
+    for (int row = 0; row < 4; ++row)
+      plane[size_t(row)] = edge[p] * column(3, row) + sign[p] * column(axis[p], row);
     const float length =
         static_cast<float>(std::sqrt(plane[0] * plane[0] + plane[1] * plane[1] + plane[2] * plane[2]));
     if (length > 0.0f)
@@ -102,7 +124,9 @@ double CSceneMgr::getPixelsPerUnit() const {
 }
 
 double CSceneMgr::getPickPrecision() const {
-  return m_viewWidth ? m_pickPixelPrecision * m_frustumWidth / m_viewWidth : 0.0;
+  // A negative precision picks as zero does (the pixel itself), as the
+  // pick aperture does, rather than with a negative tolerance that hits nothing.
+  return m_viewWidth ? std::max(0, m_pickPixelPrecision) * m_frustumWidth / m_viewWidth : 0.0;
 }
 
 void CSceneMgr::world2screen(const AcGePoint3d& p, CPoint& out) const {
@@ -128,7 +152,7 @@ CPoint CSceneMgr::world2screen(const AcGePoint3d& p) const {
 
 void CSceneMgr::getPointOfIntersectionThatEyeToNearFarFrustumPlane(CPoint pt, AcGePoint3d& nearPt,
                                                                    AcGePoint3d& farPt) const {
-  const double y = m_viewport[3] - pt.y;
+  const double y = double(m_viewport[3]) - pt.y;
   kgl->gluUnProject(pt.x, y, 0.0, m_modelViewMatrix, m_projMatrix, m_viewport, &nearPt.x, &nearPt.y, &nearPt.z);
   kgl->gluUnProject(pt.x, y, 1.0, m_modelViewMatrix, m_projMatrix, m_viewport, &farPt.x, &farPt.y, &farPt.z);
 }
@@ -174,8 +198,8 @@ void CSceneMgr::getFrustumPlaneFrom2Pt(const CPoint& p1, const CPoint& p2,
                              &out.z) == GL_TRUE;
   };
   AcGePoint3d corner, cornerRight, cornerDown, farCorner;
-  if (!unproject(x0, y0, 0.0, corner) || !unproject(x0 + 1, y0, 0.0, cornerRight) ||
-      !unproject(x0, y0 + 1, 0.0, cornerDown) || !unproject(x0, y0, 1.0, farCorner))
+  if (!unproject(x0, y0, 0.0, corner) || !unproject(x0 + 1.0, y0, 0.0, cornerRight) ||
+      !unproject(x0, y0 + 1.0, 0.0, cornerDown) || !unproject(x0, y0, 1.0, farCorner))
     return;
   // The near plane maps window points affinely, so one pixel step gives the
   // world directions of the screen axes everywhere on it, even for an empty

@@ -20,7 +20,7 @@ PolygonTessellator::~PolygonTessellator() {
   if (m_tess) kgl->gluDeleteTess(m_tess);
 }
 
-bool PolygonTessellator::beginPolygon() {
+bool PolygonTessellator::beginPolygon(GLenum windingRule) {
   if (!m_tess) {
     // Not kept when null (a recording table that does not forward gives
     // none), so a later call tries again.
@@ -34,10 +34,15 @@ bool PolygonTessellator::beginPolygon() {
     // Odd winding fills what a parity rule fills: holes nested in holes
     // come back filled, and crossings of a contour alternate.
     kgl->gluTessProperty(t, GLU_TESS_WINDING_RULE, GLU_TESS_WINDING_ODD);
+    m_winding = GLU_TESS_WINDING_ODD;
     // Contours arrive in plane coordinates; a fixed normal saves GLU its
     // own estimate and makes every triangle counter-clockwise about +z.
     kgl->gluTessNormal(t, 0.0, 0.0, 1.0);
     m_tess = t;
+  }
+  if (windingRule != m_winding) {
+    kgl->gluTessProperty(m_tess, GLU_TESS_WINDING_RULE, windingRule);
+    m_winding = windingRule;
   }
   m_failed = false;
   m_coords.clear();

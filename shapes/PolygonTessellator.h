@@ -17,7 +17,8 @@ class PolygonTessellator {
 
   // Input: one polygon, contour after contour, in plane coordinates.
   // Returns false when no tessellator can be had; nothing is then produced.
-  bool beginPolygon();
+  // Glyph outlines fill by orientation (GLU_TESS_WINDING_NEGATIVE) instead.
+  bool beginPolygon(GLenum windingRule = GLU_TESS_WINDING_ODD);
   void beginContour();
   void addVertex(double x, double y);
   void endContour();
@@ -58,6 +59,7 @@ class PolygonTessellator {
   GLUtesselator* m_tess = nullptr;
   bool m_failed = false;
   GLenum m_primitive = 0;
+  GLenum m_winding = 0;
   std::vector<double> m_coords;       // x, y per vertex id
   std::vector<uint32_t> m_primitiveIds;  // vertices of the primitive being received
   std::vector<uint32_t> m_ids;         // all strips, back to back

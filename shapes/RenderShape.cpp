@@ -186,8 +186,7 @@ void CRenderShape::set(TextInfo* info, const CColor& clr, const AcGeVector3d& uc
   m_ucs = ucs.normal();
   calArea();
   placeText(*info);
-  // The glyph contours (and with them `filled`) are fetched here from the
-  // text render list once the text subsystem provides them.
+  takeGlyphs(*info);
   calBox();
 }
 

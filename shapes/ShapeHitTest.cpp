@@ -8,17 +8,18 @@
 #include "kxrender/CRenderSysUtils.h"
 #include "shapes/FaceMeshBvh.h"
 #include "shapes/PickVolume.h"
+#include "shapes/TextPlacement.h"
 
 namespace {
 
 typedef std::vector<std::vector<AcGePoint3d>> Contours;
 
 // Glyph outlines of a text in glyph units, as the text render list caches
-// them per (font, text). The text subsystem fills this in; until it does a
-// text has no outlines and so is never hit.
-const Contours& glyphContours(const TextInfo&) {
+// them per (font, text).
+const Contours& glyphContours(const TextInfo& t) {
   static const Contours none;
-  return none;
+  const TextContourCacheValue* glyphs = textGlyphs(t);
+  return glyphs ? glyphs->contours : none;
 }
 
 // The text's outlines placed in the world by its placement matrix.

@@ -1,7 +1,8 @@
 // Area, bounding box and sphere, triangle counts and face planarity.
 #include <algorithm>
-#include <limits>
+#include <cfloat>
 #include <cmath>
+#include <limits>
 
 #include "kxrender/AcGeBoundBlock3d.h"
 #include "kxrender/CRenderShape.h"
@@ -31,13 +32,15 @@ void CRenderShape::calArea() {
     case kPgon: {
       double a = CRenderSysUtils::calPolyArea(m_pts);
       for (const auto& h : m_holes) a -= CRenderSysUtils::calPolyArea(h);
-      m_area = a > 0.0 ? static_cast<float>(a) : 0.0f;
+      // A float holds areas up to 3.4e38; a bigger one would become infinite
+      // and so would the polygon offset derived from it.
+      m_area = a > 0.0 ? static_cast<float>(std::min(a, double(FLT_MAX))) : 0.0f;
       break;
     }
     case kFace:
       // A mesh has no outline to measure; its bounding sphere gives an
       // estimate, with pi taken as 3.14.
-      m_area = static_cast<float>(double(m_sphereRadius) * 3.14 * double(m_sphereRadius));
+      m_area = static_cast<float>(std::min(double(m_sphereRadius) * 3.14 * double(m_sphereRadius), double(FLT_MAX)));
       break;
     default:
       break;

@@ -1,9 +1,11 @@
 // Text shapes: the compiled glyph list placed by the text's own matrix, or
 // a single point when the text would be too small to read.
 #include <cmath>
+#include <map>
 
 #include "kxrender/CRenderShape.h"
 #include "kxrender/CRenderSystem.h"
+#include "kxrender/CTextRenderList.h"
 #include "shapes/ShapeRenderState.h"
 #include "support/GLTable.h"
 
@@ -13,6 +15,30 @@ namespace {
 // Below this many pixels of height the glyphs would merge into a blot.
 constexpr double kMinTextPixels = 3.0;
 constexpr float kTextPointSize = 3.0f;
+
+// Display lists belong to a context: one render list per rendering context
+// serves every text shape drawn in it, so each (font, text) pair is
+// compiled once per context.
+CTextRenderList& renderListOf(const CSceneMgr* scene) {
+  static std::map<const void*, CTextRenderList> lists;
+  return lists[scene ? static_cast<const void*>(scene->getHRC()) : nullptr];
+}
+
+// The text's list, compiled when the text has none yet.
+void ensureTextList(TextInfo& t, const CSceneMgr* scene) {
+  if (t.compiled && t.listId != 0) return;
+  CTextRenderList& lists = renderListOf(scene);
+  unsigned list = 0;
+  if (lists.getTextRenderList(t.text, t.font, list) && !kgl->IsList(list)) {
+    // Ids of a context that no longer exists: forget them all and compile
+    // again.
+    lists.clearRenderList();
+    list = 0;
+    lists.getTextRenderList(t.text, t.font, list);
+  }
+  t.listId = list;
+  t.compiled = list != 0;
+}
 
 bool tooSmallToRead(const TextInfo& t, const CSceneMgr* scene) {
   if (!scene) return false;
@@ -27,8 +53,7 @@ bool tooSmallToRead(const TextInfo& t, const CSceneMgr* scene) {
 void CRenderShape::renderText(CRenderObject* obj) {
   if (!m_textInfo || !obj || !obj->getObjSet()) return;
   TextInfo& t = *m_textInfo;
-  // The text render list compiles the glyph outlines into t.listId here
-  // once the text subsystem provides it; until then only compiled texts draw.
+  ensureTextList(t, sceneOf(obj));
   const bool haveList = t.compiled && t.listId != 0;
 
   if (tooSmallToRead(t, sceneOf(obj))) {

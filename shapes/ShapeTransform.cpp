@@ -29,8 +29,7 @@ void CRenderShape::transformBy(const AcGeMatrix3d& m) {
     t.dir2.transformBy(m);
     t.position.transformBy(m);
     t.height *= m.scale();
-    // The glyph contour is fetched again here from the text render list once
-    // the text subsystem provides it.
+    takeGlyphs(t);
     placeText(t);
   }
   // Shared arrays belong to their owner, who moves them once for all the

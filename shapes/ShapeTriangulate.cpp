@@ -5,6 +5,7 @@
 #include "kxrender/AcGePlane.h"
 #include "kxrender/CRenderShape.h"
 #include "kxrender/CRenderSysUtils.h"
+#include "shapes/ContourCrossings.h"
 #include "shapes/PolygonTessellator.h"
 
 namespace {
@@ -62,6 +63,22 @@ void feedContour(PolygonTessellator& tess, const std::vector<AcGePoint3d>& c, co
   }
   tess.endContour();
 }
+// Big outlines whose edges cross each other more often than they have
+// vertices are refused: they would keep the tessellator busy for hours.
+bool crossingsBounded(const std::vector<AcGePoint3d>& pts, const std::vector<std::vector<AcGePoint3d>>& holes,
+                      const AcGeMatrix3d& toPlane) {
+  size_t n = pts.size();
+  for (const auto& h : holes) n += h.size();
+  if (n < 256) return true;  // at most 16,000 crossings: quick enough
+  std::vector<std::vector<AcGePoint3d>> flat(holes.size() + 1);
+  const auto project = [&](const std::vector<AcGePoint3d>& c, std::vector<AcGePoint3d>& out) {
+    out.reserve(c.size());
+    for (const AcGePoint3d& p : c) out.push_back(toPlane * p);
+  };
+  project(pts, flat[0]);
+  for (size_t i = 0; i < holes.size(); ++i) project(holes[i], flat[i + 1]);
+  return contourCrossingsWithin(flat, n + 1000);
+}
 }  // namespace
 
 void CRenderShape::divTringle() {
@@ -80,6 +97,7 @@ void CRenderShape::divTringle() {
   const AcGeMatrix3d toPlane = AcGeMatrix3d::worldToPlane(plane);
 
   if (m_holes.empty() && quadStrip(m_pts, toPlane, m_glPts, m_strips)) return;
+  if (!crossingsBounded(m_pts, m_holes, toPlane)) return;
 
   PolygonTessellator& tess = PolygonTessellator::local();
   if (!tess.beginPolygon()) return;

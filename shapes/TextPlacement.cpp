@@ -17,8 +17,22 @@ void placeText(TextInfo& info) {
   CRenderSysUtils::convertMatrixTo16(info.placement, info.glMatrix);
 }
 
+const TextContourCacheValue* textGlyphs(const TextInfo& info) {
+  if (info.text.IsEmpty()) return nullptr;
+  return CTextRenderList::cachedTextContour(TextContourCacheKey(info.font, info.text));
+}
+
+void takeGlyphs(TextInfo& info) {
+  const TextContourCacheValue* glyphs = textGlyphs(info);
+  info.filled = glyphs && glyphs->isOutline;
+}
+
 void textBoxCorners(const TextInfo& info, AcGePoint3d corners[4]) {
-  const double width = std::max(1, info.text.GetLength());
-  const AcGePoint3d local[4] = {{0, 0, 0}, {width, 0, 0}, {0, 1, 0}, {width, 1, 0}};
+  const TextContourCacheValue* glyphs = textGlyphs(info);
+  double x0 = 0, y0 = 0, x1 = std::max(1, info.text.GetLength()), y1 = 1;
+  if (glyphs && !glyphs->contours.empty()) {
+    x0 = glyphs->minPt.x, y0 = glyphs->minPt.y, x1 = glyphs->maxPt.x, y1 = glyphs->maxPt.y;
+  }
+  const AcGePoint3d local[4] = {{x0, y0, 0}, {x1, y0, 0}, {x0, y1, 0}, {x1, y1, 0}};
   for (int i = 0; i < 4; ++i) corners[i] = info.placement * local[i];
 }

@@ -63,8 +63,8 @@ void CShxFont::addShape(unsigned number, const uint8_t* def, size_t length) {
   // storing more than the file holds would only multiply memory.
   if (length > m_byteBudget) return;
   m_byteBudget -= length;
-  const uint8_t* spec = static_cast<const uint8_t*>(nul) + 1;
-  std::vector<uint8_t> bytes(spec, def + length);
+  const uint8_t* codes = static_cast<const uint8_t*>(nul) + 1;
+  std::vector<uint8_t> bytes(codes, def + length);
   if (number == 0 && m_kind != kUnifont) {
     takeHeader(bytes);
     return;

@@ -1,6 +1,6 @@
 #pragma once
 // The contents of one SHX font file: its kind, header values, big-font
-// escape ranges and the specification bytes of every shape.
+// escape ranges and the drawing bytes of every shape.
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -27,7 +27,7 @@ class CShxFont {
   int above() const { return m_above; }
   int below() const { return m_below; }
   int modes() const { return m_modes; }
-  // Specification bytes of a shape (without its name), or null.
+  // Drawing bytes of a shape (without its name), or null.
   const std::vector<uint8_t>* shapeBytes(unsigned number) const;
   size_t shapeCount() const { return m_shapes.size(); }
   const std::map<unsigned, std::vector<uint8_t>>& shapes() const { return m_shapes; }
@@ -38,7 +38,7 @@ class CShxFont {
   bool readShapes(const uint8_t* data, size_t size, size_t pos);
   bool readUnifont(const uint8_t* data, size_t size, size_t pos);
   bool readBigfont(const uint8_t* data, size_t size, size_t pos);
-  // Stores one shape's definition bytes (name, 0, specification bytes).
+  // Stores one shape's definition bytes (name, 0, drawing bytes).
   void addShape(unsigned number, const uint8_t* def, size_t length);
   void takeHeader(const std::vector<uint8_t>& bytes);
 

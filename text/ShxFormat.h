@@ -12,9 +12,9 @@
 //                  count, ranges {u16 first, u16 last} of escape bytes, then
 //                  index entries {u16 number, u16 length, u32 file offset};
 //                  entries of length 0 are unused.
-// A definition is the shape name, a 0 byte, then the specification bytes
+// A definition is the shape name, a 0 byte, then the drawing bytes
 // ending with 0. Integers are little-endian; two-byte shape numbers inside
-// specification bytes are big-endian (high byte first).
+// drawing bytes are big-endian (high byte first).
 #include <cstddef>
 
 namespace shx {
@@ -28,7 +28,7 @@ constexpr size_t signatureLength(const char* s) {
   return n;
 }
 
-// Special codes of the specification bytes (a byte with length nibble 0).
+// Special codes of the drawing bytes (a byte with length nibble 0).
 enum Code {
   kEnd = 0,
   kPenDown = 1,

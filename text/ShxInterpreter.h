@@ -1,5 +1,5 @@
 #pragma once
-// Runs the specification bytes of a shape (and the subshapes it calls),
+// Runs the drawing bytes of a shape (and the subshapes it calls),
 // turning pen-down travel into stroke entities of a CShape.
 class CShape;
 class CShxFont;

@@ -1,7 +1,9 @@
 #pragma once
 // Entity kinds reported by type(). The values only need to be distinct; the
 // engine compares them against the named kinds.
+/// Geometry library names outside the classes.
 namespace AcGe {
+/// Entity kinds reported by type(); the values are only distinct.
 enum EntityId {
   kEntity2d,
   kEntity3d,

@@ -11,42 +11,57 @@
 #include "kxrender/CFile.h"
 #include "kxrender/CObject.h"
 
+/// Thrown by CArchive when a read or write cannot go on; m_cause says why.
 class KXRENDER_API CArchiveException : public std::exception {
  public:
+  /// Why an archive operation failed.
   enum Cause {
-    none,
-    genericException,
-    readOnly,   // storing into an archive that is loading
-    endOfFile,  // reading past the end
-    writeOnly,  // loading from an archive that is storing
-    badIndex,
-    badClass,
+    none,  ///< no failure
+    genericException,  ///< the file failed
+    readOnly,   ///< storing into an archive that is loading
+    endOfFile,  ///< reading past the end
+    writeOnly,  ///< loading from an archive that is storing
+    badIndex,  ///< a class or object reference to nothing read yet
+    badClass,  ///< an object of another class than requested
+    /// a schema the class does not accept
     badSchema
   };
-  explicit CArchiveException(Cause cause) : m_cause(cause) {}
-  const char* what() const noexcept override;
-  Cause m_cause;
+  explicit CArchiveException(Cause cause) : m_cause(cause) {}  ///< An exception for cause.
+  const char* what() const noexcept override;  ///< A short description of the cause.
+  Cause m_cause;  ///< Why it failed.
 };
 
+/// Binary archive of values and objects on a CFile (not owned): values
+/// little-endian at their natural sizes, objects with their class the first
+/// time and by index later. Failures throw CArchiveException.
 class KXRENDER_API CArchive {
  public:
+  /// Writing or reading.
   enum Mode : UINT { store = 0, load = 1 };
 
-  CArchive(CFile* file, UINT mode);
-  ~CArchive();
+  CArchive(CFile* file, UINT mode);  ///< An archive on file (which must outlive it) in the given mode.
+  ~CArchive();  ///< Flushes a storing archive.
   CArchive(const CArchive&) = delete;
   CArchive& operator=(const CArchive&) = delete;
 
+  ///@{
+  /// The mode and the file.
   bool IsLoading() const { return (m_mode & load) != 0; }
   bool IsStoring() const { return !IsLoading(); }
   CFile* GetFile() const { return m_file; }
+  ///@}
+  ///@{
+  /// Flushes the file (Close does only that; the file stays open).
   void Flush() { m_file->Flush(); }
   void Close() { Flush(); }
+  ///@}
 
-  void Write(const void* data, UINT count);
-  // Reads up to count bytes; returns how many there were.
+  void Write(const void* data, UINT count);  ///< Writes count raw bytes; throws readOnly when loading.
+  /// Reads up to count bytes; returns how many there were.
   UINT Read(void* data, UINT count);
 
+  ///@{
+  /// Stores a value little-endian at its natural size (bool as one byte).
   CArchive& operator<<(BYTE v) { return put(&v, 1); }
   CArchive& operator<<(char v) { return put(&v, 1); }
   CArchive& operator<<(bool v) { return *this << static_cast<BYTE>(v ? 1 : 0); }
@@ -58,7 +73,10 @@ class KXRENDER_API CArchive {
   CArchive& operator<<(uint64_t v) { return putLE(v); }
   CArchive& operator<<(float v);
   CArchive& operator<<(double v);
+  ///@}
 
+  ///@{
+  /// Loads a value stored by operator<<; throws endOfFile past the end.
   CArchive& operator>>(BYTE& v) { return get(&v, 1); }
   CArchive& operator>>(char& v) { return get(&v, 1); }
   CArchive& operator>>(bool& v);
@@ -70,16 +88,19 @@ class KXRENDER_API CArchive {
   CArchive& operator>>(uint64_t& v) { return getLE(v); }
   CArchive& operator>>(float& v);
   CArchive& operator>>(double& v);
+  ///@}
 
-  void WriteObject(const CObject* object);
-  // Reads an object written by WriteObject; a requested class the object is
-  // not derived from raises badClass. Objects read are owned by the caller.
+  void WriteObject(const CObject* object);  ///< Stores an object (null allowed) with its class; a repeat is stored by index.
+  /// Reads an object written by WriteObject; a requested class the object is
+  /// not derived from raises badClass. Objects read are owned by the caller.
   CObject* ReadObject(const CRuntimeClass* requested);
-  void WriteClass(const CRuntimeClass* cls);
-  // Reads a class reference; when an object reference is found instead, its
-  // index goes to *objectTag (or badIndex is raised when none is wanted).
+  void WriteClass(const CRuntimeClass* cls);  ///< Stores a class reference.
+  /// Reads a class reference; when an object reference is found instead, its
+  /// index goes to *objectTag (or badIndex is raised when none is wanted).
   const CRuntimeClass* ReadClass(const CRuntimeClass* requested, UINT* schema, DWORD* objectTag);
 
+  ///@{
+  /// WriteObject and ReadObject (any class) as operators.
   friend CArchive& operator<<(CArchive& ar, const CObject* object) {
     ar.WriteObject(object);
     return ar;
@@ -88,6 +109,7 @@ class KXRENDER_API CArchive {
     object = ar.ReadObject(nullptr);
     return ar;
   }
+  ///@}
 
  private:
   CArchive& put(const void* data, UINT count);
@@ -110,7 +132,7 @@ class KXRENDER_API CArchive {
 
   CFile* m_file;
   UINT m_mode;
-  // Index 0 stands for null; classes and objects share one numbering.
+  /// Index 0 stands for null; classes and objects share one numbering.
   DWORD m_mapCount = 1;
   std::map<const void*, DWORD> m_storeMap;
   struct LoadEntry {

@@ -1,12 +1,17 @@
 #pragma once
 #include "kxrender/Win32Types.h"
 
-// A window pixel position: origin at the top left, y down.
+/// A window pixel position: origin at the top left, y down.
 class CPoint : public POINT {
  public:
+  ///@{
+  /// (0, 0), (px, py), or a copy of p.
   CPoint() : POINT{0, 0} {}
   CPoint(int px, int py) : POINT{px, py} {}
   CPoint(const POINT& p) : POINT(p) {}
+  ///@}
+  ///@{
+  /// Setting, offsetting, comparing, adding and subtracting positions.
   void SetPoint(int px, int py) {
     x = px;
     y = py;
@@ -30,4 +35,5 @@ class CPoint : public POINT {
     y -= o.y;
     return *this;
   }
+  ///@}
 };

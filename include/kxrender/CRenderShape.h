@@ -22,187 +22,272 @@ class CPickVolume;
 class CRect;
 class CRenderObject;
 
+/// One drawable shape of a render object: a polyline, a planar polygon with
+/// holes, a text or a face mesh, with its colour, border, texture, selection
+/// flags and key/value tags. Coordinates are world units. The shape compiles
+/// its own display list on first draw and hands it to the scene's deletion
+/// queue when it goes.
 class KXRENDER_API CRenderShape {
  public:
+  /// Polyline, polygon with holes, text, face mesh; kUnset before set().
   enum ShapeType : int32_t { kPline = 0, kPgon = 1, kText = 2, kFace = 3, kUnset = 10000 };
 
   CRenderShape();
-  // Copies everything, deep-copies the text and face data, and starts
-  // without a display list so that the copy compiles its own.
+  /// Copies everything, deep-copies the text and face data, and starts
+  /// without a display list so that the copy compiles its own.
   CRenderShape(const CRenderShape& other);
-  // Copies everything like the copy constructor but keeps this shape's own
-  // display list.
+  /// Copies everything like the copy constructor but keeps this shape's own
+  /// display list.
   CRenderShape& operator=(const CRenderShape& other);
-  // Moves take the display list along (growing or trimming a shape list
-  // keeps every compiled list with its shape); a move-assigned shape hands
-  // its old list, text and face data to the source, which frees the data.
+  /// Moves take the display list along (growing or trimming a shape list
+  /// keeps every compiled list with its shape); a move-assigned shape hands
+  /// its old list, text and face data to the source, which frees the data.
   CRenderShape(CRenderShape&& other) noexcept;
-  CRenderShape& operator=(CRenderShape&& other) noexcept;
-  // Does not delete the display list: the owner releases it first.
+  CRenderShape& operator=(CRenderShape&& other) noexcept;  ///< See the move constructor.
+  /// Does not delete the display list: the owner releases it first.
   ~CRenderShape();
 
-  // Resets display state for reuse; geometry, colour, tags and face data stay.
+  /// Resets display state for reuse; geometry, colour, tags and face data stay.
   void Init();
 
   // ---- geometry ----
+  /// Makes the shape a polyline (kPline) or polygon (kPgon) through pts, with
+  /// holes for a polygon, colour clr and plane normal ucs; the scales and
+  /// zOffset tune the depth offset that keeps coplanar shapes apart.
   void set(const std::vector<AcGePoint3d>& pts, const std::vector<std::vector<AcGePoint3d>>& holes,
            ShapeType type, const CColor& clr, const AcGeVector3d& ucs, double offsetFactorScale = 1.0,
            double offsetUnitsScale = 1.0, double zOffset = 0.0);
-  // Takes ownership of info; null changes nothing.
+  /// Takes ownership of info; null changes nothing.
   void set(TextInfo* info, const CColor& clr, const AcGeVector3d& ucs, double = 0.0, double = 0.0,
            double = 0.0);
-  // Makes the shape a face mesh; noDepth also tags it "nodepth" = "0.1".
+  /// Makes the shape a face mesh; noDepth also tags it "nodepth" = "0.1".
   void setFaceType(bool noDepth = false);
 
+  ///@{
+  /// The plane normal of a polygon or text (unit vector).
   void setUcs(const AcGeVector3d& ucs) { m_ucs = ucs; }
   const AcGeVector3d& getUcs() const { return m_ucs; }
-  ShapeType getShpType() const { return m_type; }
+  ///@}
+  ShapeType getShpType() const { return m_type; }  ///< The kind of shape.
+  ///@{
+  /// The outline points.
   std::vector<AcGePoint3d>& getPts() { return m_pts; }
   const std::vector<AcGePoint3d>& getPts() const { return m_pts; }
   void getPts(std::vector<AcGePoint3d>& out) const { out = m_pts; }
+  ///@}
+  ///@{
+  /// The holes of a polygon, one point list each.
   std::vector<std::vector<AcGePoint3d>>& getHoles() { return m_holes; }
   const std::vector<std::vector<AcGePoint3d>>& getHoles() const { return m_holes; }
   void getHoles(std::vector<std::vector<AcGePoint3d>>& out) const { out = m_holes; }
+  ///@}
+  ///@{
+  /// The text record of a text shape (owned by the shape), or null.
   const TextInfo* getTextInfo() const { return m_textInfo; }
   TextInfo* getTextInfo() { return m_textInfo; }
+  ///@}
 
   // ---- display attributes ----
+  ///@{
+  /// The fill or line colour.
   void setClr(const CColor& c) { m_clr.set(c.r, c.g, c.b, c.a); }
   const CColor& getClr() const { return m_clr; }
+  ///@}
+  ///@{
+  /// Whether a polygon's outline is drawn, and in which colour.
   void setShowBorder(bool b) { m_showBorder = b; }
   bool getShowBorder() const { return m_showBorder; }
   void setBorderColor(const CColor& c) { m_borderClr.set(c.r, c.g, c.b, c.a); }
   const CColor& getBorderColor() const { return m_borderClr; }
+  ///@}
+  ///@{
+  /// Border width in pixels, or in world units scaled with the view when scaled.
   void setBorderWidth(const double& w, bool scaled) {
     m_borderWidth = static_cast<float>(w);
     m_borderWidthScaled = scaled;
   }
   float getBorderWidth() const { return m_borderWidth; }
   bool isBorderWidthScaled() const { return m_borderWidthScaled; }
-  // Also switches width scaling on: a clamp only matters for a scaled width.
+  ///@}
+  /// Also switches width scaling on: a clamp only matters for a scaled width.
   void setBorderMaxWidth(double m) {
     m_borderMaxWidth = static_cast<float>(m);
     m_borderWidthScaled = true;
   }
-  float getBorderMaxWidth() const { return m_borderMaxWidth; }
+  float getBorderMaxWidth() const { return m_borderMaxWidth; }  ///< The clamp of a scaled border width, in pixels.
+  ///@{
+  /// Draw the lines dotted.
   void setDotLine(bool b) { m_dotLine = b; }
   bool isDotLine() const { return m_dotLine; }
+  ///@}
+  ///@{
+  /// Switch the dotted line stipple on for drawing, and back off.
   static void setDotLineState(const CRenderObject*);
   static void backDotLineState(const CRenderObject*);
+  ///@}
+  /// Assigns a texture name from CTextureMgr; the texture manager owns it.
   void setTexture(const unsigned& name) {
     m_texture = name;
     m_hasTexture = true;
   }
-  // Keeps the name: only the flag says whether a texture is assigned.
+  /// Keeps the name: only the flag says whether a texture is assigned.
   void clearTexture() { m_hasTexture = false; }
+  ///@{
+  /// The texture name, and whether one is assigned.
   unsigned getTexture() const { return m_texture; }
   bool hasTexture() const { return m_hasTexture; }
+  ///@}
+  ///@{
+  /// Hidden shapes are neither drawn nor picked.
   void setVisible(bool b) { m_visible = b; }
   bool getVisible() const { return m_visible; }
+  ///@}
+  ///@{
+  /// Selection flags: hit draws a dashed outline, highlight a stippled fill.
   void setHit(bool b) { m_hit = b; }
   bool getHit() const { return m_hit; }
   void setHighLight(bool b) { m_highLight = b; }
   bool getHighLight() const { return m_highLight; }
-  bool isLive() const { return m_live; }
+  ///@}
+  bool isLive() const { return m_live; }  ///< Liveness flag kept for hosts; Init sets it.
 
   // ---- tags ----
+  /// Key/value tags: setXdata adds or replaces (false for an empty key),
+  /// getXdata reads (false when absent), clearXdata removes (false when absent).
   bool setXdata(const CString& key, const CString& value);
-  bool getXdata(const CString& key, CString& value) const;
-  // The key must match exactly; the value is compared ignoring case.
+  bool getXdata(const CString& key, CString& value) const;  ///< See setXdata.
+  /// The key must match exactly; the value is compared ignoring case.
   bool is(const CString& key, const CString& value) const;
-  bool clearXdata(CString key);
-  const std::map<CString, CString>& getXdataMap() const { return m_xdata; }
+  bool clearXdata(CString key);  ///< See setXdata.
+  const std::map<CString, CString>& getXdataMap() const { return m_xdata; }  ///< Every tag.
 
   // ---- offsets ----
+  ///@{
+  /// Depth offset (polygon offset factor and units, and a z shift) that draws
+  /// coplanar shapes in a stable order.
   void setOffsetScale(double s);
   void setOffsetUnitScale(double s) { m_offsetUnits = static_cast<float>(m_offsetUnits * s); }
   void setZOffset(float z);
   float getOffsetFactor() const { return m_offsetFactor; }
   float getOffsetUnits() const { return m_offsetUnits; }
   float getZOffset() const { return m_zOffset; }
+  ///@}
 
   // ---- triangulation, measures ----
-  void divTringle();
+  void divTringle();  ///< Triangulates a polygon with its holes into strips (done on first draw).
+  ///@{
+  /// The polygon's area in square world units (holes subtracted).
   void calArea();
   void setArea(double a) { m_area = static_cast<float>(a); }
   double getArea() const { return m_area; }
-  void calBox();
+  ///@}
+  void calBox();  ///< Recomputes the box from the points.
+  /// The shape's box and bounding sphere (world units).
   void getBox(AcGePoint3d& min, AcGePoint3d& max) const {
     min = m_boxMin;
     max = m_boxMax;
   }
+  /// The bounding sphere.
   void getSphere(AcGePoint3d& centre, double& radius) const {
     centre = m_sphereCenter;
     radius = m_sphereRadius;
   }
-  void getPlanePts(std::vector<AcGePoint3d>& out) const { out = m_pts; }
-  void getTriIndex(std::vector<std::vector<unsigned>>& out) const;
+  void getPlanePts(std::vector<AcGePoint3d>& out) const { out = m_pts; }  ///< The outline points.
+  void getTriIndex(std::vector<std::vector<unsigned>>& out) const;  ///< Triangles of the triangulation, three point indices each.
+  ///@{
+  /// Triangulation as drawn: vertex array (x, y, z), strips of indices into it,
+  /// texture coordinates (u, v).
   const std::vector<double>& getGlPts() const { return m_glPts; }
   const std::vector<std::vector<uint16_t>>& getStrips() const { return m_strips; }
   const std::vector<float>& getTexCoords() const { return m_texCoords; }
-  void initGlPts(double) {}
-  // Number of triangles this shape draws (strips and face mesh).
+  ///@}
+  void initGlPts(double) {}  ///< Kept for hosts; does nothing.
+  /// Number of triangles this shape draws (strips and face mesh).
   size_t numTriangles() const;
 
   // ---- face mesh ----
-  bool faceIsPlane() const;
+  bool faceIsPlane() const;  ///< True when every face-mesh vertex lies in one plane.
+  /// Face mesh data: vertices, triangle indices (three per triangle), normals
+  /// and texture coordinates. The shape copies each vector (null changes
+  /// nothing); after setShareVertexData it keeps the caller's pointer
+  /// instead, and the caller keeps the vector alive.
   void setFaceVertexArray(std::vector<AcGePoint3d>* v);
+  ///@{
+  /// See setFaceVertexArray.
   void setFaceTriangleIndexArray(std::vector<int>* v);
   void setFaceNormalArray(std::vector<AcGeVector3d>* v);
   void setFaceTexCoordArray(std::vector<AcGePoint2d>* v);
+  ///@}
+  ///@{
+  /// The face mesh data, or null.
   const std::vector<AcGePoint3d>* getFaceVertexArray() const { return m_meshVertices; }
   const std::vector<int>* getFaceTriangleIndexArray() const { return m_meshTriangleIndices; }
   const std::vector<AcGeVector3d>* getFaceNormalArray() const { return m_meshNormals; }
   const std::vector<AcGePoint2d>* getFaceTexCoordArray() const { return m_meshTexCoords; }
-  // Sets the flag; nothing clears it.
+  ///@}
+  /// Sets the flag; nothing clears it.
   void setShareVertexData() { m_shareVertexData = true; }
-  bool getShareVertexData() const { return m_shareVertexData; }
+  bool getShareVertexData() const { return m_shareVertexData; }  ///< True after setShareVertexData.
 
   // ---- hit lines (edges of a face mesh) ----
+  ///@{
+  /// Extra lines drawn and tested in wire frame (for example a face's edges).
   void addHitLine(const std::vector<AcGePoint3d>& line) { m_hitLines.push_back(line); }
   const std::vector<std::vector<AcGePoint3d>>& getHitLine() const { return m_hitLines; }
-  std::vector<std::vector<AcGePoint3d>>& getReservedContours() { return m_reserved; }
+  ///@}
+  std::vector<std::vector<AcGePoint3d>>& getReservedContours() { return m_reserved; }  ///< Contours kept for the host; the engine does not read them.
 
   // ---- hit testing ----
-  // The ray runs from p1 along p2 - p1; tol is the pick tolerance in model
-  // units; mode is the object's render mode (0: wire frame); solid says
-  // whether filled geometry counts (a polyline is hit only when it does).
-  // A face mesh answers the hit nearest to p1.
+  /// The ray runs from p1 along p2 - p1; tol is the pick tolerance in model
+  /// units; mode is the object's render mode (0: wire frame); solid says
+  /// whether filled geometry counts (a polyline is hit only when it does).
+  /// A face mesh answers the hit nearest to p1.
   bool intersectRay(const AcGePoint3d& p1, const AcGePoint3d& p2, AcGePoint3d& hitPt, double tol, int mode,
                     bool solid) const;
-  double ptNearDistToEdge(const AcGePoint3d& pt) const;
-  // Rectangle selection in window pixels. view: the model-view and
-  // projection matrices (16 values each, column-major) and the viewport (4
-  // values), as scene picking prepares them; the set is not needed. The
-  // shape crosses the rectangle when an edge of its geometry (contours,
-  // hit lines in wire frame, triangles, glyph outlines) meets it, or, in a
-  // mode other than 0, when the rectangle lies within a polygon or mesh
-  // face; it is inside when every point of that geometry is. Only what
-  // lies between the view's near and far planes counts. A shape without
-  // geometry is neither.
+  double ptNearDistToEdge(const AcGePoint3d& pt) const;  ///< Distance from pt to the nearest outline, hole or hit-line edge (0 for a polyline).
+  /// Rectangle selection in window pixels. view: the model-view and
+  /// projection matrices (16 values each, column-major) and the viewport (4
+  /// values), as scene picking prepares them; the set is not needed. The
+  /// shape crosses the rectangle when an edge of its geometry (contours,
+  /// hit lines in wire frame, triangles, glyph outlines) meets it, or, in a
+  /// mode other than 0, when the rectangle lies within a polygon or mesh
+  /// face; it is inside when every point of that geometry is. Only what
+  /// lies between the view's near and far planes counts. A shape without
+  /// geometry is neither.
   bool intersectRect(const CRect& rect, const std::vector<std::vector<double>>& view, CObjectSetMgr* set,
                      int mode) const;
-  bool allInRect(const CRect& rect, const std::vector<std::vector<double>>& view, CObjectSetMgr* set) const;
-  // Whether the shape has geometry the rectangle tests can find.
+  bool allInRect(const CRect& rect, const std::vector<std::vector<double>>& view, CObjectSetMgr* set) const;  ///< See intersectRect.
+  /// Whether the shape has geometry the rectangle tests can find.
   bool hasPickGeometry() const;
-  // The same against a prepared rectangle volume (objects test many shapes).
+  /// The same against a prepared rectangle volume (objects test many shapes).
   bool intersectVolume(const CPickVolume& volume, int mode) const;
-  bool allInVolume(const CPickVolume& volume) const;
+  bool allInVolume(const CPickVolume& volume) const;  ///< See intersectVolume.
 
   // ---- transforms and texture mapping ----
-  void transformBy(const AcGeMatrix3d& m);
-  void offsetFaceVertex(double d);
-  void setTextureCoord(std::vector<AcGePoint2d> uv);
+  void transformBy(const AcGeMatrix3d& m);  ///< Applies m to points, holes, normal, text and mesh; drops the display list.
+  void offsetFaceVertex(double d);  ///< Moves the mesh vertices d world units along their normals.
+  void setTextureCoord(std::vector<AcGePoint2d> uv);  ///< Texture coordinates of the outline then hole points, in order; drawn vertices take those of the point they sit on.
 
   // ---- drawing ----
+  /// Draws the shape into the current frame in render mode `mode` (0 wire
+  /// frame); obj is the owning object. Called by CRenderObject::render.
   void render(int mode, CRenderObject* obj, const double* viewScale, bool flag);
+  ///@{
+  /// The drawers render() chooses from by mode and shape kind.
   void renderWireFrame(CRenderObject* obj, const double* viewScale, bool flag);
   void renderShaded_Pline(CRenderObject* obj, const double* viewScale, bool flag);
   void renderShaded_Pgon(CRenderObject* obj, const double* viewScale, bool flag);
   void renderFace(CRenderObject* obj, int mode);
   void renderText(CRenderObject* obj);
+  ///@}
+  ///@{
+  /// Set the GL colour of selection feedback (contrast of c) and of borders.
   static void glSelclr(const CColor& c);
   static void glSetBorderClr(const CColor& c);
+  ///@}
+  ///@{
+  /// The compiled display list (0: none); release hands it to the scene's
+  /// queue, reValueDispList forgets it without deleting.
   unsigned getFaceDisplayList() const { return m_faceDisplayList; }
   // Changes whenever geometry or drawing data is replaced (setters,
   // transforms, triangulation, copies); retained drawing keys on it.
@@ -212,24 +297,28 @@ class KXRENDER_API CRenderShape {
   void touchDrawStamp() { m_drawStamp = nextDrawStamp(); }
   void releaseDisplayList();
   void reValueDispList() { m_faceDisplayList = 0; }
-  // The line width the drawers use: the border width, scaled by the view
-  // and clamped when scaling is on.
+  ///@}
+  /// The line width the drawers use: the border width, scaled by the view
+  /// and clamped when scaling is on.
   float lineWidth(const double* viewScale) const;
 
  protected:
+  ///@{
+  /// Allocates, frees and deep-copies the face mesh data.
   void initFaceData();
   void freeFaceData();
   void copyFaceData(const CRenderShape& src);
   bool isFaceDataNull() const;
+  ///@}
 
  private:
-  // Every plain field; S is const CRenderShape& to copy, CRenderShape to move.
+  /// Every plain field; S is const CRenderShape& to copy, CRenderShape to move.
   template <class S>
   void takeFields(S&& o);
   void swapOwned(CRenderShape& o) noexcept;
   static float offsetBase(float area);
   static uint32_t nextDrawStamp();
-  // The triangle tree of the face mesh, built on first use.
+  /// The triangle tree of the face mesh, built on first use.
   const CFaceMeshBvh* faceBvh() const;
 
   bool m_live = true;
@@ -238,7 +327,7 @@ class KXRENDER_API CRenderShape {
   AcGeVector3d m_ucs{0.0, 0.0, 1.0};
   std::vector<AcGePoint3d> m_pts;
   std::vector<std::vector<AcGePoint3d>> m_holes;
-  // Carried and freed with the shape; the shape itself never fills it.
+  /// Carried and freed with the shape; the shape itself never fills it.
   std::vector<std::vector<AcGePoint3d>> m_reserved;
   CColor m_clr;
   std::vector<float> m_texCoords;
@@ -272,7 +361,7 @@ class KXRENDER_API CRenderShape {
   std::vector<std::vector<AcGePoint3d>> m_hitLines;
   unsigned m_faceDisplayList = 0;
   uint32_t m_drawStamp = nextDrawStamp();
-  // Built lazily by hit tests and dropped whenever the mesh changes; copies
-  // of a shape share it, as their meshes are equal.
+  /// Built lazily by hit tests and dropped whenever the mesh changes; copies
+  /// of a shape share it, as their meshes are equal.
   mutable std::shared_ptr<const CFaceMeshBvh> m_faceBvh;
 };

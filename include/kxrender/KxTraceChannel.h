@@ -7,10 +7,10 @@
 
 #include "kxrender/Export.h"
 
-// Sends one record without blocking; false when no viewer listens.
+/// Sends one record without blocking; false when no viewer listens.
 KXRENDER_API bool KxTraceSend(const char* data, size_t length);
 
-// The viewer end: binds the channel and receives records.
+/// The viewer end: binds the channel and receives records.
 class KXRENDER_API KxTraceListener {
  public:
   KxTraceListener();
@@ -18,10 +18,10 @@ class KXRENDER_API KxTraceListener {
   KxTraceListener(const KxTraceListener&) = delete;
   KxTraceListener& operator=(const KxTraceListener&) = delete;
 
-  // False when the channel cannot be bound (another viewer holds it).
+  /// False when the channel cannot be bound (another viewer holds it).
   bool open();
-  // Waits up to timeoutMs (negative: forever) for a record; true and the
-  // text when one arrived, false on time-out or a malformed datagram.
+  /// Waits up to timeoutMs (negative: forever) for a record; true and the
+  /// text when one arrived, false on time-out or a malformed datagram.
   bool receive(std::string& text, int timeoutMs);
 
  private:

@@ -11,21 +11,17 @@
 #include "kxrender/AcGeLineSeg3d.h"
 #include "kxrender/AcGeMatrix3d.h"
 #include "kxrender/AcGeNurbCurve3d.h"
-#include "kxrender/AcGeRay3d.h"
 
 namespace {
 
-// Perimeter of an ellipse by the arithmetic-geometric mean:
-// C = 2 pi (a^2 - sum 2^(n-1) c_n^2) / AGM(a, b).
+// Perimeter by the arithmetic-geometric mean: 2 pi (a^2 - sum 2^(n-1) c_n^2) / AGM(a, b).
 double ellipsePerimeter(double a, double b) {
   double an = a, bn = b, sum = 0.5 * (a * a - b * b), pow2 = 0.5;
   for (int i = 0; i < 40; ++i) {
-    double c = 0.5 * (an - bn);
-    double next = 0.5 * (an + bn);
+    const double c = 0.5 * (an - bn), next = 0.5 * (an + bn);
     bn = std::sqrt(an * bn);
     an = next;
-    pow2 *= 2.0;
-    sum += pow2 * c * c;
+    sum += (pow2 *= 2.0) * c * c;
   }
   return 2.0 * M_PI * (a * a - sum) / an;
 }

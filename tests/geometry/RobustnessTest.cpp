@@ -1,6 +1,4 @@
-// Non-finite, zero, degenerate and huge input: every geometric operation
-// must return its defined answer (false, no points, unchanged output) and
-// terminate.
+// Non-finite, zero, degenerate and huge input: defined answers, and no hang.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -33,7 +31,6 @@ std::vector<AcGeVector3d> badVectors() {
           AcGeVector3d(1e-300, 0, 0)};
 }
 
-// A NURBS curve whose control points are given.
 AcGeNurbCurve3d cubicThrough(const AcGePoint3d& a, const AcGePoint3d& b) {
   double knots[] = {0, 0, 0, 0, 1, 1, 1, 1};
   AcGePoint3dArray ctrl;

@@ -9,7 +9,6 @@
 #include "kxrender/AcGeContext.h"
 #include "kxrender/AcGeMatrix3d.h"
 #include "kxrender/AcGePlane.h"
-#include "kxrender/AcGePoint2d.h"
 #include "kxrender/AcGePoint3d.h"
 #include "kxrender/AcGeVector2d.h"
 #include "kxrender/AcGeVector3d.h"
@@ -66,16 +65,12 @@ TEST(AcGePoint3dTest, EqualityScaleAndProject) {
   EXPECT_FALSE(p.isEqualTo(AcGePoint3d(1.6, 2, 3), tol));
   EXPECT_FALSE(p.isEqualTo(AcGePoint3d(kNaN, 2, 3)));
   expectNear(AcGePoint3d(3, 3, 3).scaleBy(2.0, AcGePoint3d(1, 1, 1)), AcGePoint3d(5, 5, 5), 1e-15);
-  // Oblique projection along (1, 0, -1) onto z = 0 moves x by z.
-  AcGePoint3d q = AcGePoint3d(1, 2, 3).project(AcGePlane::kXYPlane, AcGeVector3d(1, 0, -1));
-  expectNear(q, AcGePoint3d(4, 2, 0), 1e-14);
-  // No intersection when the direction is parallel to the plane.
-  AcGePoint3d r = AcGePoint3d(1, 2, 3).project(AcGePlane::kXYPlane, AcGeVector3d(1, 0, 0));
-  expectNear(r, AcGePoint3d(1, 2, 3), 0);
+  // Oblique projection moves x by z; a direction parallel to the plane leaves the point.
+  expectNear(AcGePoint3d(1, 2, 3).project(AcGePlane::kXYPlane, AcGeVector3d(1, 0, -1)), AcGePoint3d(4, 2, 0), 1e-14);
+  expectNear(AcGePoint3d(1, 2, 3).project(AcGePlane::kXYPlane, AcGeVector3d(1, 0, 0)), AcGePoint3d(1, 2, 3), 0);
 }
 
 TEST(AcGeVector3dTest, NormalOfZeroAndNonFinite) {
-  expectNear(AcGeVector3d().normal(), AcGeVector3d(), 0);
   expectNear(AcGeVector3d(1e-13, 0, 0).normal(), AcGeVector3d(), 0);
   expectNear(AcGeVector3d(kNaN, 1, 0).normal(), AcGeVector3d(), 0);
   expectNear(AcGeVector3d(kInf, 0, 0).normal(), AcGeVector3d(), 0);

@@ -1,9 +1,8 @@
 #pragma once
-// Shared pieces of the scene file tests: a private temporary folder, file
-// contents, and a scene that uses every feature a scene file can hold.
+// Scene file tests: a private temporary folder, file contents, and a scene
+// that uses every feature a scene file can hold.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -14,8 +13,7 @@
 #include "kxrender/KxSceneFile.h"
 #include "kxrender/KxTowerModel.h"
 
-// A folder of its own under the system's temporary folder, removed with
-// everything in it at the end.
+// Removed with everything in it at the end.
 class TempDir {
  public:
   TempDir() {

@@ -1,6 +1,5 @@
-// Scene files as documents: everything the format holds is read into the
-// document model, written back byte for byte, and every kind of bad input
-// is refused with a message that says where and what was expected.
+// Scene documents: read into place, written back byte for byte, bad input
+// refused with where and what was expected.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -108,8 +107,7 @@ const char* const kGoodView =
 }  // namespace
 
 TEST(SceneDoc, ReadsEveryFieldIntoItsPlace) {
-  // Writing back proves nothing is lost; these prove each value lands in
-  // the member it names, extreme numbers included.
+  // The round trip cannot see two members swapped; these can.
   SceneDoc doc;
   std::string error;
   ASSERT_TRUE(parse(kFullScene, doc, error)) << error;
@@ -291,9 +289,7 @@ TEST(SceneDoc, ErrorPositionIsTheOffendingValueAndEveryTruncationHasOne) {
 }
 
 TEST(SceneDoc, DamagedDocumentsAreRefusedOrReadWhole) {
-  // Seeded damage to a valid document: bytes changed, dropped or doubled.
-  // Every outcome is a clean refusal with a located message, or a document
-  // that writes out and reads back the same.
+  // Bytes changed, dropped or doubled: a located refusal, or a document that round-trips.
   uint32_t state = 12345;
   auto next = [&state] { return state = state * 1664525u + 1013904223u; };
   const char alphabet[] = "{}[],:\"0123456789.-+eE \\tfnrua";

@@ -1,7 +1,5 @@
-// Scene files through real scenes: write, read, write again gives the same
-// bytes; what is read is the same shapes, objects and view the host built;
-// reading replaces what a scene held; what cannot be read back is not
-// written.
+// Scene files through real scenes: write, read and write again give the same
+// bytes and the same objects and view; what cannot be read back is not written.
 #include <gtest/gtest.h>
 
 #include <tuple>

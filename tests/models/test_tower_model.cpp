@@ -1,5 +1,4 @@
-// The reference tower: counts worked out by hand, the order of its objects,
-// the door rule, labels, roof, and that it is the same every time.
+// The reference tower: counts by hand, object order, doors, labels, roof, determinism.
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -76,8 +75,7 @@ TEST(TowerModel, CountsFollowTheLayout) {
     EXPECT_EQ(std::vector<size_t>({again.objects, again.triangles, again.vertices}),
               std::vector<size_t>({c.objects, c.triangles, c.vertices}));
   }
-  // Vertices by hand: a window is a pane of 4 and a frame; a wall without a
-  // door 6 quads of 4; the roof two trapezoids and two triangles.
+  // Vertices: a pane 4; a wall without a door 6 quads; the roof 2 trapezoids + 2 triangles.
   CObjectSetMgr set;
   KxBuildTower(set, 1, 2);
   const std::vector<CRenderObject*> objs = inOrder(set);

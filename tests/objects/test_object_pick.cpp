@@ -113,10 +113,10 @@ TEST(ObjectRect, AnyShapeCrossesEveryShapeInside) {
     EXPECT_EQ(o.intersectRect(r.r, view()), r.crosses) << r.what;
     EXPECT_EQ(o.allInRect(r.r, view()), r.inside) << r.what;
   }
-  // A text without outlines has nothing to select: it neither keeps its
-  // object out of a window nor lets it in, whether the box or the shapes
-  // decide.
-  const CRenderShape label = shapetest::textShape("A", AcGePoint3d(5, 5, 0));
+  // A text without glyphs (an empty one) has nothing to select: it neither
+  // keeps its object out of a window nor lets it in, whether the box or the
+  // shapes decide.
+  const CRenderShape label = shapetest::textShape("", AcGePoint3d(5, 5, 0));
   CRenderObject labelled;
   labelled.addShape(rectShape(-1, -1, 1, 1, 0));
   labelled.addShape(label);

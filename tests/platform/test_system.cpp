@@ -54,6 +54,22 @@ TEST(CodePage, GbkDataFromWindows) {
   EXPECT_EQ(GetACP(), 936u);  // unchanged by the refusal
 }
 
+// Code pages whose decoder waits for a combining mark after each character
+// still give the last one, also before a byte they cannot convert.
+TEST(CodePage, CombiningCodePagesKeepTheLastCharacter) {
+  const struct {
+    UINT codePage;
+    const char* bytes;
+    std::u16string wide;
+  } rows[] = {{1258, "\x9F", u"\u0178"},        {1258, "A\xCC", u"\u00C0"},  // the mark combines
+              {1258, "A\x81" "B", u"A\uFFFDB"}, {1255, "\xE0", u"\u05D0"}};
+  for (const auto& r : rows) {
+    WCHAR out[8] = {};
+    const int n = MultiByteToWideChar(r.codePage, 0, r.bytes, int(std::strlen(r.bytes)), out, 8);
+    EXPECT_EQ(std::u16string(reinterpret_cast<const char16_t*>(out), size_t(n > 0 ? n : 0)), r.wide) << r.bytes;
+  }
+}
+
 TEST(CodePage, Utf8CharacterSplitting) {
   const char* s = "a\xE4\xB8\xAD\xF0\x9F\x98\x80z";
   EXPECT_EQ(CharNextA(s), s + 1);

@@ -3,6 +3,7 @@
 // gtest first: Xlib's macros (None, Bool, ...) would break its headers.
 #include <gtest/gtest.h>
 
+#include <epoxy/egl.h>
 #include <epoxy/gl.h>
 
 #include "platform/Win32Window.h"
@@ -69,4 +70,48 @@ TEST(X11Window, AttachDrawAndSwap) {
   EXPECT_FALSE(KxNotifyWindowResized(hwnd));
   XDestroyWindow(display, xwin);
   XCloseDisplay(display);
+}
+
+// A host closes its Display and opens another, which malloc usually puts
+// at the same address: the engine must not take it for the closed one.
+TEST(X11Window, ReopenedDisplayDrawsAgain) {
+  // A server whose last client leaves resets and refuses connections for a
+  // moment; this one stays connected throughout.
+  Display* keeper = XOpenDisplay(nullptr);
+  if (!keeper) GTEST_SKIP() << "no X display";
+  void* previous = nullptr;
+  for (int round = 0; round < 3; ++round) {
+    Display* display = XOpenDisplay(nullptr);
+    ASSERT_TRUE(display) << "round " << round;
+    if (round > 0 && display != previous) std::printf("round %d: the Display got a new address\n", round);
+    previous = display;
+    Window xwin = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 40, 30, 0, 0, 0);
+    XMapWindow(display, xwin);
+    XSync(display, False);
+    HWND hwnd = KxAttachX11Window(display, xwin);
+    ASSERT_TRUE(hwnd);
+    HDC dc = GetDC(hwnd);
+    PIXELFORMATDESCRIPTOR want = {};
+    want.iPixelType = PFD_TYPE_RGBA;
+    want.cColorBits = 24;
+    const int format = ChoosePixelFormat(dc, &want);
+    ASSERT_TRUE(format != 0 && SetPixelFormat(dc, format, nullptr));
+    HGLRC ctx = wglCreateContext(dc);
+    ASSERT_TRUE(ctx && wglMakeCurrent(dc, ctx));
+    glClearColor(0, 0, 1, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    std::vector<uint8_t> px;
+    int w = 0, h = 0;
+    ASSERT_TRUE(KxReadWindowPixels(hwnd, px, w, h));
+    EXPECT_EQ(px[2], 255) << "round " << round;
+    EXPECT_TRUE(SwapBuffers(dc));
+    wglDeleteContext(ctx);
+    KxDestroyWindow(hwnd);
+    // With its last window and context gone, nothing holds the display.
+    EGLDisplay egl = eglGetPlatformDisplayEXT(EGL_PLATFORM_X11_KHR, display, nullptr);
+    EXPECT_EQ(eglQueryString(egl, EGL_VERSION), nullptr) << "round " << round;
+    XDestroyWindow(display, xwin);
+    XCloseDisplay(display);
+  }
+  XCloseDisplay(keeper);
 }

@@ -38,11 +38,13 @@ inline Contour ngon(double r, int n, double phase = 0, double cx = 0, double cy 
   return c;
 }
 // A text along x at pos, without glyph outlines.
+// Text in the line font generated beside the test programs.
 inline CRenderShape textShape(const char* text, const AcGePoint3d& pos = AcGePoint3d(), const CColor& c = CColor(),
                               double height = 1.0) {
   CRenderShape s;
   TextInfo* t = new TextInfo;
   t->text = text;
+  t->font = "单线体";
   t->height = height;
   t->position = pos;
   t->dir1 = AcGeVector3d(1, 0, 0);

@@ -140,7 +140,8 @@ TEST(RenderShapeData, TextShapeOwnsAndPlacesItsText) {
   t.set(nullptr, CColor(), kUp);
   EXPECT_EQ(t.getShpType(), CRenderShape::kPgon);
   auto* info = new TextInfo;
-  info->text = "AB";
+  info->text = "口";
+  info->font = "单线体";
   info->dir1 = AcGeVector3d(0, 2, 0);  // only its direction counts
   info->dir2 = AcGeVector3d(-1, 0, 0);
   info->position = AcGePoint3d(10, 20, 30);
@@ -152,15 +153,15 @@ TEST(RenderShapeData, TextShapeOwnsAndPlacesItsText) {
   // the height; glMatrix is the same, column-major.
   EXPECT_TRUE((info->placement * AcGePoint3d(1, 1, 1)).isEqualTo(AcGePoint3d(7, 23, 33)));
   EXPECT_TRUE(info->glMatrix[12] == 10.0f && info->glMatrix[13] == 20.0f && info->glMatrix[1] == 3.0f);
-  AcGePoint3d lo, hi;  // the box holds two glyph squares
+  AcGePoint3d lo, hi;  // the glyph's box: x 0 to 0.635, y 0.053 to 0.793 in glyph units
   t.getBox(lo, hi);
-  EXPECT_TRUE(lo.isEqualTo(AcGePoint3d(7, 20, 30)) && hi.isEqualTo(AcGePoint3d(10, 26, 30)));
+  EXPECT_TRUE(lo.isEqualTo(AcGePoint3d(7.621, 20, 30)) && hi.isEqualTo(AcGePoint3d(9.841, 21.905, 30)));
   t.transformBy(AcGeMatrix3d::scaling(2) * AcGeMatrix3d::rotation(M_PI / 2, kUp));  // dir1 to -x, dir2 to -y
   EXPECT_TRUE(info->height == 6.0 && info->position.isEqualTo(AcGePoint3d(-40, 20, 60)));
   t.getBox(lo, hi);
-  EXPECT_TRUE(lo.isEqualTo(AcGePoint3d(-52, 14, 60)) && hi.isEqualTo(AcGePoint3d(-40, 20, 60)));
+  EXPECT_TRUE(lo.isEqualTo(AcGePoint3d(-43.81, 15.242, 60)) && hi.isEqualTo(AcGePoint3d(-40, 19.682, 60)));
   CRenderShape copy(t);
-  ASSERT_TRUE(copy.getTextInfo() && copy.getTextInfo() != info && copy.getTextInfo()->text == "AB");
+  ASSERT_TRUE(copy.getTextInfo() && copy.getTextInfo() != info && copy.getTextInfo()->text == "口");
   copy = CRenderShape();
   EXPECT_EQ(copy.getTextInfo(), nullptr);
 }

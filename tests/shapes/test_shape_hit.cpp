@@ -34,7 +34,8 @@ CRenderShape mesh(const Contour& v, const std::vector<int>& idx) {
   return s;
 }
 
-CRenderShape text() { return textShape("AB"); }
+// The line font's "口": a square of four strokes, 8 units high at (-4, -4).
+CRenderShape mouth() { return textShape("口", AcGePoint3d(-4, -4, 0), CColor(), 8.0); }
 
 // Straight down through (x, y).
 bool down(const CRenderShape& s, double x, double y, int mode, bool solid, AcGePoint3d* at = nullptr) {
@@ -76,7 +77,8 @@ TEST(ShapeRay, EachKindAndMode) {
       {"mesh wire frame: hit lines only", twoDeep, 1, 1, 0, true, false, 0},
       {"mesh wire frame: first hit line met", twoDeep, 2, 2.02, 0, true, true, 0},
       {"mesh without arrays", noArrays, 0, 0, 2, true, false, 0},
-      {"text without outlines", text(), 0.2, 0.2, 2, true, false, 0},
+      {"text: on a glyph stroke", mouth(), -4, 0, 2, true, true, 0},
+      {"text: inside the glyph's counter", mouth(), -1.5, -1, 2, true, false, 0},
   };
   for (const auto& r : rows) {
     AcGePoint3d at;
@@ -103,7 +105,7 @@ TEST(ShapeRay, EdgeDistanceByKind) {
       {"polygon: one-point outline", polygon({{1, 1, 0}}), {0, 0, 0}, 1e12},
       {"polygon: one-point hole is far", polygon(rect(0, 0, 10, 10), {{{5, 5, 0}}}), {5, 5, 0}, 5.0},
       {"mesh: its hit lines", mesh({{0, 0, 0}, {4, 0, 0}, {0, 4, 0}}, {0, 1, 2}), {1, -3, 0}, 3.0},
-      {"text: no edge", text(), {0, 0, 0}, far},
+      {"text: no edge", mouth(), {-4, 0, 0}, far},
   };
   for (const auto& r : rows) EXPECT_NEAR(r.s.ptNearDistToEdge(r.p), r.d, 1e-9) << r.what;
 }
@@ -223,7 +225,9 @@ TEST(ShapeRect, CrossingAndInsideByKind) {
       {"rectangle beside the triangle", tri, px(4, 4, 6, 6), 2, false, false},
       {"triangle enclosed", tri, px(-9, -9, 9, 9), 2, true, true},
       {"beyond the far plane", deep, px(-9, -9, 9, 9), 2, false, false},
-      {"text without outlines", text(), px(-9, -9, 9, 9), 2, false, false},
+      {"text enclosed", mouth(), px(-9, -9, 9, 9), 2, true, true},
+      {"rectangle within the glyph's counter", mouth(), px(-2, -2, 0, 0), 2, false, false},
+      {"rectangle across a glyph stroke", mouth(), px(-5, -1, -3, 1), 2, true, false},
   };
   for (const auto& r : rows) {
     EXPECT_EQ(r.s.intersectRect(r.r, view(), nullptr, r.mode), r.crosses) << r.what;

@@ -280,7 +280,9 @@ TEST_F(ShapeRenderText, TooSmallTextIsOnePointUncompiledOrOrphanTextNothing) {
   CRenderShape uncompiled = textShape(20.0, 0), ready = textShape(20.0, 77), none;
   CRenderObject orphan;
   rec.clear();
-  uncompiled.renderText(&obj);
+  uncompiled.renderText(&obj);  // asks for a list; none can be had here, so nothing is drawn
+  EXPECT_EQ(rec.names(), (std::vector<std::string>{"glGenLists", "glIsList"}));
+  rec.clear();
   ready.renderText(nullptr);
   ready.renderText(&orphan);
   none.renderText(&obj);

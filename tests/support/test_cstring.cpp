@@ -1,5 +1,4 @@
-// Engine text: string slicing and searching, string arrays, and conversion
-// between the ANSI code page and UTF-8.
+// Engine strings, string arrays, and ANSI code page <-> UTF-8.
 #include <gtest/gtest.h>
 
 #include "kxrender/CString.h"
@@ -37,8 +36,7 @@ TEST(CString, CompareTrimFormatReplace) {
   EXPECT_EQ(big.GetLength(), 5000);
 }
 
-// In a double-byte code page a trail byte may equal an ASCII character;
-// searching must step over whole characters.
+// A GBK trail byte may equal an ASCII character: searches step over whole characters.
 TEST(CString, SearchesStepOverDoubleByteCharacters) {
   ASSERT_TRUE(KxSetAnsiCodePage(936));
   const char text[] = {'\x81', '\x5C', 'a', '\\', 'b', 0};  // 0x81 0x5C: one GBK character, trail byte '\'

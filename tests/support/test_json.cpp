@@ -1,7 +1,5 @@
-// JSON reading and writing: values and structure, escapes the reader undoes
-// exactly, the number grammar and numbers that read back to the same bits,
-// limits checked before allocation, error positions, streaming across the
-// file buffer's chunk boundaries, and refusal of what JSON cannot hold.
+// JSON reading and writing: escapes, number grammar and bit-exact numbers,
+// limits, error positions, streaming across chunk boundaries.
 #include <gtest/gtest.h>
 
 #include <charconv>
@@ -133,8 +131,7 @@ TEST(JsonReader, LimitsStopLongStringsDeepNestingAndLongNumbers) {
 }
 
 TEST(Json, FilesAreWrittenWholeAndStreamedAcrossChunkBoundaries) {
-  // Strings, escapes, numbers and multi-byte characters land on every
-  // offset of the writer's and the reader's 64 KiB chunks.
+  // Multi-byte characters and escapes land on every offset of the 64 KiB chunks.
   std::FILE* f = std::tmpfile();
   ASSERT_TRUE(f);
   const size_t count = 30000;

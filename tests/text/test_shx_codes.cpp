@@ -1,4 +1,4 @@
-// Every specification code of a shape against the points it must draw.
+// Every drawing code of a shape against the points it must draw.
 #include <cmath>
 
 #include "ShxTestHelpers.h"

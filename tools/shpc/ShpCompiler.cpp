@@ -19,7 +19,7 @@ struct Definition {
   std::string name;
   std::vector<long> values;
   std::vector<int> valueLines;
-  std::vector<uint8_t> bytes;  // encoded specification bytes
+  std::vector<uint8_t> bytes;  // encoded drawing bytes
 };
 
 struct Source {

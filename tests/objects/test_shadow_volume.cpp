@@ -1,0 +1,293 @@
+// Stencil shadow volumes: closed volumes from real shapes, and real frames
+// from Mesa in which ground pixels are dark exactly where geometry says.
+#include <epoxy/gl.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <map>
+#include <tuple>
+
+#include "ObjectHelpers.h"
+#include "kxrender/CSceneMgr.h"
+#include "objects/ShadowVolume.h"
+#include "scene/SceneFixture.h"
+
+namespace {
+
+using Pts = std::vector<AcGePoint3d>;
+
+CRenderShape polygon(const Pts& pts, const std::vector<Pts>& holes, const AcGeVector3d& n) {
+  CRenderShape s;
+  s.set(pts, holes, CRenderShape::kPgon, CColor(200, 200, 200, 255), n);
+  return s;
+}
+
+// The six outward faces of the box lo..hi.
+std::vector<CRenderShape> boxShapes(const AcGePoint3d& lo, const AcGePoint3d& hi) {
+  const double x0 = lo.x, y0 = lo.y, z0 = lo.z, x1 = hi.x, y1 = hi.y, z1 = hi.z;
+  return {polygon({{x0, y0, z0}, {x0, y1, z0}, {x1, y1, z0}, {x1, y0, z0}}, {}, {0, 0, -1}),
+          polygon({{x0, y0, z1}, {x1, y0, z1}, {x1, y1, z1}, {x0, y1, z1}}, {}, {0, 0, 1}),
+          polygon({{x0, y0, z0}, {x1, y0, z0}, {x1, y0, z1}, {x0, y0, z1}}, {}, {0, -1, 0}),
+          polygon({{x0, y1, z0}, {x0, y1, z1}, {x1, y1, z1}, {x1, y1, z0}}, {}, {0, 1, 0}),
+          polygon({{x0, y0, z0}, {x0, y0, z1}, {x0, y1, z1}, {x0, y1, z0}}, {}, {-1, 0, 0}),
+          polygon({{x1, y0, z0}, {x1, y1, z0}, {x1, y1, z1}, {x1, y0, z1}}, {}, {1, 0, 0})};
+}
+
+// A wall in the plane x = 0 facing -x, y in [-4, 4], z in [0, 4], with a
+// window y in [-1, 1], z in [1, 3].
+CRenderShape windowWall() {
+  return polygon({{0, -4, 0}, {0, 4, 0}, {0, 4, 4}, {0, -4, 4}}, {{{0, -1, 1}, {0, 1, 1}, {0, 1, 3}, {0, -1, 3}}},
+                 {-1, 0, 0});
+}
+
+// An open face mesh: two triangles of a fold, one edge shared.
+CRenderShape openFold() {
+  CRenderShape s;
+  s.setFaceType(false);
+  std::vector<AcGePoint3d> v{{0, 0, 1}, {2, 0, 1}, {0, 2, 1}, {2, 2, 2}};
+  std::vector<int> tri{0, 1, 2, 2, 1, 3};
+  std::vector<AcGeVector3d> n(4, AcGeVector3d(0, 0, 1));
+  s.setFaceVertexArray(&v);
+  s.setFaceTriangleIndexArray(&tri);
+  s.setFaceNormalArray(&n);
+  s.calBox();
+  return s;
+}
+
+}  // namespace
+
+// Every directed edge of the volume is matched by the reverse edge of
+// another face, as often: no cracks, consistent orientation.
+TEST(ShadowVolume, VolumesAreClosedForSolidsHolesAndOpenMeshes) {
+  const std::map<std::string, std::vector<CRenderShape>> casters = {
+      {"box", boxShapes({-1, -1, 0}, {1, 1, 2})},
+      {"box without its top", [] {
+         std::vector<CRenderShape> b = boxShapes({-1, -1, 0}, {1, 1, 2});
+         b.erase(b.begin() + 1);
+         return b;
+       }()},
+      {"wall with a window", {windowWall()}},
+      {"open fold", {openFold()}}};
+  const float lights[][4] = {{-1, 0.3f, 1, 0}, {0.2f, -0.5f, 10, 0}, {-6, 1, 5, 1}, {0.5f, 0.2f, 9, 1}};
+  for (const auto& c : casters) {
+    for (const float* l : lights) {
+      ShadowVolumeBuilder b;
+      for (const CRenderShape& s : c.second) addCasterTriangles(b, s, nullptr);
+      std::vector<float> tris;
+      ASSERT_TRUE(b.build(ShadowLight::fromFloats(l), {-10, -10, -1}, {10, 10, 5}, tris)) << c.first;
+      using P = std::tuple<float, float, float>;
+      std::map<std::pair<P, P>, int> edges;
+      for (size_t i = 0; i < tris.size(); i += 9)
+        for (int k = 0; k < 3; ++k) {
+          const float* a = &tris[i + 3 * k];
+          const float* e = &tris[i + 3 * ((k + 1) % 3)];
+          ++edges[{P(a[0], a[1], a[2]), P(e[0], e[1], e[2])}];
+        }
+      int unmatched = 0;
+      for (const auto& e : edges) {
+        const auto rev = edges.find({e.first.second, e.first.first});
+        unmatched += rev == edges.end() || rev->second != e.second;
+      }
+      EXPECT_EQ(unmatched, 0) << c.first << " under light " << l[0] << ", " << l[1] << ", " << l[2] << ", " << l[3];
+    }
+  }
+}
+
+TEST(ShadowVolume, LightsThatAreNoLightsBuildNothing) {
+  const float nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
+  const float lights[][4] = {{0, 0, 0, 0}, {nan, 1, 1, 0}, {1, inf, 1, 0}, {1, 1, 1, nan}, {0, 0, 1, 1}};
+  for (const float* l : lights) {
+    ShadowVolumeBuilder b;
+    for (const CRenderShape& s : boxShapes({-1, -1, 0}, {1, 1, 2})) addCasterTriangles(b, s, nullptr);
+    std::vector<float> tris{1.0f};
+    EXPECT_FALSE(b.build(ShadowLight::fromFloats(l), {-10, -10, -1}, {10, 10, 5}, tris));
+    EXPECT_TRUE(tris.empty());
+  }
+}
+
+namespace {
+
+// A 20 x 20 ground at z = 0 that receives but does not cast, seen in
+// 200 x 200 pixels from above (10 pixels per unit) unless a test turns the
+// camera.
+class ShadowFrame : public SceneFixture {
+ protected:
+  void SetUp() override {
+    open(200, 200);
+    scene.setRange(10.0);
+    scene.setShadow(true);
+    ground = objectOf({polygon({{-10, -10, 0}, {10, -10, 0}, {10, 10, 0}, {-10, 10, 0}}, {}, {0, 0, 1})}, false);
+  }
+  CRenderObject* objectOf(const std::vector<CRenderShape>& shapes, bool casts = true) {
+    CRenderObject* o = new CRenderObject;
+    for (const CRenderShape& s : shapes) o->addShape(s);
+    o->endAddShape();
+    o->setGenerateShadow(casts);
+    scene.getObjSetMgr()->addObject(o);
+    return o;
+  }
+  void frame(const float* light) {
+    scene.setLightpos(light);
+    scene.render();
+    scene.finish();
+  }
+  // Lit ground is about 150 bright; ground in shadow (ambient only) 60.
+  int darkAt(const AcGePoint3d& p) {
+    const CPoint at = scene.world2screen(p);
+    const std::vector<uint8_t> px = pixel(at.x, at.y);
+    if (px.empty()) return -1;
+    return (px[0] + px[1] + px[2]) / 3 < 105;
+  }
+  // Ground points on a 0.25 grid whose darkness differs from `shadow`,
+  // skipping those within two pixels of `edge` (a distance to the nearest
+  // shadow outline) and those `hidden` from the camera.
+  int wrongGroundPixels(const std::function<bool(double, double)>& shadow,
+                        const std::function<double(double, double)>& edge,
+                        const std::function<bool(double, double)>& hidden) {
+    int wrong = 0;
+    const double twoPixels = 2.0 / scene.getPixelsPerUnit();
+    for (double x = -9.5; x <= 9.5; x += 0.25)
+      for (double y = -9.5; y <= 9.5; y += 0.25) {
+        if (edge(x, y) < twoPixels || hidden(x, y)) continue;
+        const int dark = darkAt({x, y, 0});
+        if (dark < 0) continue;
+        wrong += dark != int(shadow(x, y));
+      }
+    return wrong;
+  }
+  CRenderObject* ground = nullptr;
+};
+
+// Distance from (x, y) to the border of the rectangle x0..x1 by y0..y1.
+double toRectBorder(double x, double y, double x0, double y0, double x1, double y1) {
+  const double dx = std::max({x0 - x, x - x1, 0.0}), dy = std::max({y0 - y, y - y1, 0.0});
+  if (dx > 0 || dy > 0) return std::hypot(dx, dy);
+  return std::min({x - x0, x1 - x, y - y0, y1 - y});
+}
+
+bool inRect(double x, double y, double x0, double y0, double x1, double y1) {
+  return x > x0 && x < x1 && y > y0 && y < y1;
+}
+
+// Sun at 45 degrees in the west: a point at height h shades the ground h
+// further east.
+const float kWestSun[4] = {-1, 0, 1, 0};
+
+}  // namespace
+
+TEST_F(ShadowFrame, ABoxShadesItsProjectedOutline) {
+  objectOf(boxShapes({-1, -1, 0}, {1, 1, 2}));
+  frame(kWestSun);
+  // The shadow runs from under the box to x = 3; the box hides x < 1.
+  const int wrong = wrongGroundPixels([](double x, double y) { return inRect(x, y, 1, -1, 3, 1); },
+                                      [](double x, double y) { return toRectBorder(x, y, 1, -1, 3, 1); },
+                                      [](double x, double y) { return toRectBorder(x, y, -1, -1, 1, 1) < 0.2 ||
+                                                                      inRect(x, y, -1, -1, 1, 1); });
+  EXPECT_EQ(wrong, 0);
+  // The lit top is not shadowed by its own volume.
+  EXPECT_EQ(darkAt({0, 0, 2}), 0);
+}
+
+TEST_F(ShadowFrame, LightPassesThroughAWindowHole) {
+  objectOf({windowWall()});
+  frame(kWestSun);
+  // The wall (x = 0) shades x in [0, 4]; its window lets light onto x in
+  // [1, 3], y in [-1, 1].
+  auto shadow = [](double x, double y) { return inRect(x, y, 0, -4, 4, 4) && !inRect(x, y, 1, -1, 3, 1); };
+  auto edge = [](double x, double y) {
+    return std::min(toRectBorder(x, y, 0, -4, 4, 4), toRectBorder(x, y, 1, -1, 3, 1));
+  };
+  EXPECT_EQ(wrongGroundPixels(shadow, edge, [](double, double) { return false; }), 0);
+  EXPECT_EQ(darkAt({2, 0, 0}), 0);
+}
+
+TEST_F(ShadowFrame, InnerRoofFacesAndUnflaggedObjectsCastNothing) {
+  std::vector<CRenderShape> roof = boxShapes({-1, -1, 0}, {1, 1, 2});
+  for (CRenderShape& s : roof) s.setXdata("\xE5\x9D\xA1\xE5\xB1\x8B\xE9\xA1\xB6", "\xE5\x86\x85\xE9\x9D\xA2");
+  objectOf(roof);
+  objectOf({windowWall()}, false);
+  frame(kWestSun);
+  EXPECT_EQ(darkAt({2, 0, 0}), 0);
+  EXPECT_EQ(darkAt({2, 3, 0}), 0);
+}
+
+TEST_F(ShadowFrame, InstancedShapesCastUnderEachMatrix) {
+  CRenderObject* o = new CRenderObject;
+  for (const CRenderShape& s : boxShapes({-5, -1, 0}, {-4, 1, 1})) o->addShape(s);
+  o->setExaGeoShapNum(6);
+  for (float dx : {0.0f, 6.0f}) {
+    CSimpleMatrix* m = new CSimpleMatrix;
+    m->setTranslate(dx, 0, 0);
+    o->addSmpMat(m);
+  }
+  o->endAddShape();
+  o->setGenerateShadow(true);
+  scene.getObjSetMgr()->addObject(o);
+  frame(kWestSun);
+  // Each 1 unit high box shades one unit east of itself.
+  EXPECT_EQ(darkAt({-3.5, 0, 0}), 1);
+  EXPECT_EQ(darkAt({2.5, 0, 0}), 1);
+  EXPECT_EQ(darkAt({-2.5, 0, 0}), 0);
+}
+
+// Depth-fail counting does not care where the eye is: looking from inside
+// the volume, down onto the shaded ground, gives the same shadow.
+TEST_F(ShadowFrame, TheShadowHoldsWithTheEyeInsideTheVolume) {
+  objectOf(boxShapes({-1, -1, 0}, {1, 1, 2}));
+  const AcGeVector3d forward = AcGeVector3d(-1, -0.4, -1.5).normal();
+  const AcGeVector3d up = forward.crossProduct(AcGeVector3d(0, 0, 1)).crossProduct(forward).normal();
+  // (1.5, 0, 0.5) lies in the shadow volume, east of the box.
+  scene.camera()->ReSet(AcGeVector3d(1.5, 0, 0.5), up, forward);
+  frame(kWestSun);
+  // The box hides what lies behind it from this eye: only the ground east
+  // of it and clear of its silhouette is checked.
+  auto hidden = [](double x, double) { return x < 1.5; };
+  EXPECT_EQ(wrongGroundPixels([](double x, double y) { return inRect(x, y, 1, -1, 3, 1); },
+                              [](double x, double y) { return toRectBorder(x, y, 1, -1, 3, 1); }, hidden),
+            0);
+  EXPECT_EQ(darkAt({2, 0, 0}), 1);
+}
+
+// A light that is no light draws no shadow, and the frame is otherwise
+// whole: the ground lit everywhere, the box top drawn.
+TEST_F(ShadowFrame, BadLightsDrawNoShadowAndLeaveTheFrameWhole) {
+  objectOf(boxShapes({-1, -1, 0}, {1, 1, 2}));
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const float lights[][4] = {{0, 0, 0, 0}, {nan, 0, 1, 0}, {0, 0, 1, 1}};
+  for (const float* l : lights) {
+    frame(l);
+    EXPECT_EQ(darkAt({2, 0, 0}), 0);
+    EXPECT_EQ(darkAt({-5, 5, 0}), 0);
+    EXPECT_EQ(darkAt({0, 0, 2}), 0);
+  }
+  frame(kWestSun);  // a good light again: the shadow is back
+  EXPECT_EQ(darkAt({2, 0, 0}), 1);
+}
+
+TEST_F(ShadowFrame, MovingTheLightKeepsOneListPerCastingObject) {
+  CRenderObject* box = objectOf(boxShapes({-1, -1, 0}, {1, 1, 2}));
+  CRenderObject* wall = objectOf({windowWall()});
+  auto liveLists = [] {
+    int n = 0;
+    for (GLuint id = 1; id < 5000; ++id) n += glIsList(id);
+    return n;
+  };
+  frame(kWestSun);
+  const int before = liveLists();
+  const unsigned boxList = box->getShadowVolumeList();
+  EXPECT_NE(boxList, 0u);
+  EXPECT_NE(wall->getShadowVolumeList(), 0u);
+  EXPECT_EQ(ground->getShadowVolumeList(), 0u);
+  for (int i = 0; i < 1000; ++i) {
+    const float sun[4] = {-1.0f, 0.001f * i, 1.0f, 0.0f};
+    scene.setLightpos(sun);
+    scene.render();
+  }
+  EXPECT_EQ(liveLists(), before);
+  EXPECT_EQ(box->getShadowVolumeList(), boxList);
+  // Switching an object off hands its list back.
+  box->setGenerateShadow(false);
+  scene.render();
+  EXPECT_EQ(liveLists(), before - 1);
+}

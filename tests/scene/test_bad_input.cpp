@@ -1,0 +1,417 @@
+// Hostile input at every entry point that takes geometry or ids: non-finite,
+// huge, signed-zero and denormal numbers, degenerate, huge and
+// self-intersecting contours, unknown, deleted and exhausted ids, indices
+// past the end. Nothing may crash, and afterwards the scene still draws and
+// picks its floor, with the object count unchanged where a call was refused.
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "SceneFixture.h"
+#include "kxrender/AcGeLine3d.h"
+#include "kxrender/CCamera.h"
+#include "kxrender/KxSceneFile.h"
+#include "kxrender/TextInfo.h"
+#include "objects/BjSnap.h"
+#include "objects/ObjectHelpers.h"
+
+namespace {
+
+typedef std::vector<AcGePoint3d> Pts;
+const double kNaN = std::numeric_limits<double>::quiet_NaN();
+const double kInf = std::numeric_limits<double>::infinity();
+const double kDenormal = std::numeric_limits<double>::denorm_min();
+const double kBadValues[] = {kNaN, kInf, -kInf, 1e300, -1e300, -0.0, kDenormal, 1e-310};
+const CColor kFloor(200, 30, 30, 255);
+
+Pts square(double x = 0, double y = 0, double s = 10) { return {{x, y, 0}, {x + s, y, 0}, {x + s, y + s, 0}, {x, y + s, 0}}; }
+
+// n points round a circle, or (star) jumping 7/16 of a turn each step so
+// that every edge crosses many others.
+Pts ring(size_t n, bool star) {
+  Pts p;
+  p.reserve(n);
+  for (size_t i = 0; i < n; ++i) {
+    const double a = 2 * M_PI * double(i) / double(n) * (star ? double(n) * 7.0 / 16.0 : 1.0);
+    p.emplace_back(50 * std::cos(a), 50 * std::sin(a), 0);
+  }
+  return p;
+}
+
+// The contours a shape is fed: degenerate, huge, self-intersecting, and a
+// square with one coordinate replaced by each bad value.
+std::vector<std::pair<std::string, Pts>> hostileContours() {
+  std::vector<std::pair<std::string, Pts>> c = {
+      {"empty", {}},
+      {"one point", {{1, 2, 0}}},
+      {"two equal points", {{1, 2, 0}, {1, 2, 0}}},
+      {"three equal points", {{1, 2, 0}, {1, 2, 0}, {1, 2, 0}}},
+      {"collinear", {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}}},
+      {"bow tie", {{0, 0, 0}, {10, 10, 0}, {10, 0, 0}, {0, 10, 0}}},
+      {"70000-vertex circle", ring(70000, false)},
+      {"70000-vertex star", ring(70000, true)},
+  };
+  for (double v : kBadValues)
+    for (int coord = 0; coord < 3; ++coord) {
+      Pts p = square();
+      p[2][coord] = v;
+      c.push_back({"square with coordinate " + std::to_string(coord) + " = " + std::to_string(v), p});
+    }
+  return c;
+}
+
+std::vector<AcGeVector3d> hostileVectors() {
+  std::vector<AcGeVector3d> v = {AcGeVector3d(0, 0, 0), AcGeVector3d(-0.0, -0.0, -0.0)};
+  for (double b : kBadValues) v.emplace_back(b, 0, 1);
+  return v;
+}
+
+class BadInput : public SceneFixture {
+ protected:
+  void SetUp() override {
+    open(64, 64);
+    CRenderObject* floor = new CRenderObject;
+    CRenderShape s;
+    s.set({{-1e4, -1e4, -1}, {1e4, -1e4, -1}, {1e4, 1e4, -1}, {-1e4, 1e4, -1}}, {}, CRenderShape::kPgon, kFloor,
+          AcGeVector3d(0, 0, 1));
+    floor->addShape(s);
+    floor->endAddShape();
+    floorId = set().addObject(floor);
+    deletedId = set().addObject(rectObject(0, 0, 1, 1));
+    set().delObject(deletedId);
+    scene.render();
+    scene.finish();
+    floorPixel = pixel(32, 32);
+    ASSERT_EQ(floorPixel.size(), 4u);
+    objects = set().numObjs();
+  }
+
+  CObjectSetMgr& set() { return *scene.getObjSetMgr(); }
+
+  // The view is finite, the floor fills the middle of the frame and is what
+  // a pick there finds, and the set holds `expected` objects.
+  void expectUsable(const std::string& row, size_t expected) {
+    SCOPED_TRACE(row);
+    const CCamera& cam = *scene.camera();
+    for (const AcGeVector3d& v : {cam.GetVLocation(), cam.GetVForward(), cam.GetVUp()})
+      EXPECT_TRUE(std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z));
+    EXPECT_TRUE(std::isfinite(scene.dRange()) && scene.dRange() > 0) << scene.dRange();
+    EXPECT_EQ(set().numObjs(), expected);
+    // Back to the starting view: what follows checks the objects, not it.
+    scene.camera()->ReSet(AcGeVector3d(0, 0, 100), AcGeVector3d(0, 1, 0), AcGeVector3d(0, 0, -1));
+    scene.setRange(150);
+    scene.render();
+    scene.finish();
+    EXPECT_EQ(pixel(32, 32), floorPixel);
+    unsigned id = 0, shape = 99;
+    EXPECT_TRUE(scene.pick(CPoint(32, 32), id, shape, 0, nullptr, true));
+    EXPECT_EQ(id, floorId);
+  }
+
+  // Adds an object, draws and picks with it in the scene, removes it.
+  void exercise(const std::string& row, CRenderObject* o) {
+    SCOPED_TRACE(row);
+    const unsigned id = set().addObject(o);
+    ASSERT_NE(id, 0u);
+    scene.render();
+    unsigned hitId = 0, shape = 0;
+    scene.pick(CPoint(32, 32), hitId, shape, 0, nullptr, true);
+    std::vector<unsigned> ids;
+    scene.pick(CPoint(0, 0), CPoint(63, 63), ids);
+    AcGePoint3d at;
+    CRenderObject::SnapMode kind;
+    scene.snap(CPoint(32, 32), 10, 0.5, at, kind);
+    scene.zoomE();
+    set().delObject(id);
+    expectUsable(row, objects);
+  }
+
+  std::vector<uint8_t> floorPixel;
+  unsigned floorId = 0, deletedId = 0;
+  size_t objects = 0;
+};
+
+CRenderObject* oneShape(const CRenderShape& s) {
+  CRenderObject* o = new CRenderObject;
+  o->addShape(s);
+  o->endAddShape();
+  return o;
+}
+
+TEST_F(BadInput, ShapesFromHostileContours) {
+  for (const auto& c : hostileContours())
+    for (CRenderShape::ShapeType kind : {CRenderShape::kPgon, CRenderShape::kPline}) {
+      const std::string row = c.first + (kind == CRenderShape::kPgon ? " polygon" : " polyline");
+      CRenderShape outline, hole;
+      outline.set(c.second, {}, kind, CColor(0, 200, 0, 255), AcGeVector3d(0, 0, 1));
+      outline.addHitLine(c.second);
+      exercise(row, oneShape(outline));
+      if (kind == CRenderShape::kPgon && c.second.size() < 1000) {
+        hole.set(square(-100, -100, 200), {c.second}, kind, CColor(0, 200, 0, 255), AcGeVector3d(0, 0, 1));
+        exercise(row + " as a hole", oneShape(hole));
+      }
+    }
+}
+
+TEST_F(BadInput, ShapesWithHostileNormalsAndOffsets) {
+  // An area beyond a float's range still gives a finite polygon offset.
+  CRenderShape big;
+  big.set({{0, 0, 0}, {1e20, 0, 0}, {0, 1e20, 0}}, {}, CRenderShape::kPgon, CColor(), AcGeVector3d(0, 0, 1));
+  big.calArea();
+  big.setOffsetScale(1.0);
+  EXPECT_TRUE(std::isfinite(big.getArea()) && std::isfinite(big.getOffsetFactor())) << big.getArea();
+  for (const AcGeVector3d& n : hostileVectors()) {
+    CRenderShape s;
+    s.set(square(), {}, CRenderShape::kPgon, CColor(), n);
+    exercise("normal " + std::to_string(n.x), oneShape(s));
+  }
+  for (double v : kBadValues) {
+    CRenderShape s;
+    s.set(square(), {}, CRenderShape::kPgon, CColor(), AcGeVector3d(0, 0, 1), v, v, v);
+    s.setBorderWidth(v, true);
+    s.setBorderMaxWidth(v);
+    s.setShowBorder(true);
+    s.setOffsetScale(v);
+    s.setZOffset(float(v));
+    exercise("offsets and border " + std::to_string(v), oneShape(s));
+  }
+}
+
+TEST_F(BadInput, FaceMeshesWithHostileArrays) {
+  struct Row {
+    const char* name;
+    Pts vertices;
+    std::vector<int> triangles;
+    size_t normals;  // how many normals to give
+  } rows[] = {
+      {"no vertices", {}, {0, 1, 2}, 0},
+      {"indices past the end", square(), {0, 1, 7}, 4},
+      {"negative indices", square(), {0, -1, 2}, 4},
+      {"index count not a multiple of 3", square(), {0, 1, 2, 3}, 4},
+      {"fewer normals than vertices", square(), {0, 1, 2}, 1},
+      {"non-finite vertex", {{kNaN, 0, 0}, {kInf, 1, 0}, {0, -kInf, 0}}, {0, 1, 2}, 3},
+      {"huge vertex", {{1e300, 0, 0}, {-1e300, 1, 0}, {0, 1e300, 0}}, {0, 1, 2}, 3},
+  };
+  for (const Row& r : rows) {
+    CRenderShape s;
+    s.setFaceType(false);
+    Pts v = r.vertices;
+    std::vector<int> t = r.triangles;
+    std::vector<AcGeVector3d> n(r.normals, AcGeVector3d(0, 0, 1));
+    std::vector<AcGePoint2d> uv(r.normals, AcGePoint2d(kNaN, 0));
+    s.setFaceVertexArray(&v);
+    s.setFaceTriangleIndexArray(&t);
+    s.setFaceNormalArray(&n);
+    s.setFaceTexCoordArray(&uv);
+    s.calBox();
+    exercise(r.name, oneShape(s));
+  }
+  CRenderShape nulls;  // null arrays are allowed: they clear
+  nulls.setFaceType(false);
+  nulls.setFaceVertexArray(nullptr);
+  nulls.setFaceTriangleIndexArray(nullptr);
+  nulls.setFaceNormalArray(nullptr);
+  nulls.setFaceTexCoordArray(nullptr);
+  exercise("null arrays", oneShape(nulls));
+}
+
+TEST_F(BadInput, TextWithHostilePlacement) {
+  for (double v : kBadValues) {
+    CRenderShape s;
+    TextInfo* t = new TextInfo;
+    t->text = "W-1";
+    t->height = v;
+    t->position = AcGePoint3d(v, 0, 0);
+    t->dir1 = AcGeVector3d(v, 0, 0);
+    t->dir2 = AcGeVector3d(0, 1, 0);
+    s.set(t, CColor(), AcGeVector3d(0, 0, 1));
+    exercise("text at " + std::to_string(v), oneShape(s));
+  }
+  CRenderShape none;
+  none.set(static_cast<TextInfo*>(nullptr), CColor(), AcGeVector3d(0, 0, 1));
+  exercise("null text", oneShape(none));
+}
+
+TEST_F(BadInput, ObjectEditsWithHostileValues) {
+  const auto live = [&] { return rectObject(0, 0, 5, 5, 1, CColor(0, 0, 200, 255)); };
+  for (double v : kBadValues) {
+    const std::string value = std::to_string(v);
+    CRenderObject* o = live();
+    o->move(AcGeVector3d(v, v, 0));
+    exercise("move " + value, o);
+    o = live();
+    o->rotate(AcGePoint3d(v, 0, 0), v);
+    exercise("rotate " + value, o);
+    o = live();
+    o->mirror(AcGeLine3d(AcGePoint3d(v, 0, 0), AcGePoint3d(1, v, 0)));
+    exercise("mirror " + value, o);
+    o = live();
+    o->setMaxUnitsPerPixel(v);
+    o->setSnapPoints({AcGePoint3d(v, v, v)});
+    exercise("max units per pixel and snap points " + value, o);
+    o = live();
+    double distance = 7;
+    unsigned shape = 7;
+    AcGePoint3d hit;
+    o->intersectRay(AcGePoint3d(v, 0, 10), AcGePoint3d(0, v, -10), v, false, distance, hit, shape);
+    exercise("ray " + value, o);
+  }
+  // Indices past the end and empty view data are refused.
+  CRenderObject* o = live();
+  o->setShapeColor(1, CColor(1, 2, 3, 4));
+  o->setShapeColor(UINT_MAX, CColor(1, 2, 3, 4));
+  EXPECT_FALSE(o->getShapeHit(5));
+  EXPECT_FALSE(o->getShapeHighLight(UINT_MAX));
+  o->getShapeColor(9);
+  o->getShapeBorderColor(9);
+  o->setLodLevel(1000);
+  EXPECT_FALSE(o->intersectRect(CRect(0, 0, 10, 10), {}));
+  EXPECT_FALSE(o->allInRect(CRect(0, 0, 10, 10), {{1, 2}, {}}));
+  exercise("indices past the end", o);
+}
+
+TEST_F(BadInput, UnknownAndDeletedIdsAreRefused) {
+  const unsigned bad[] = {0u, deletedId, 999999u, UINT_MAX};
+  for (unsigned id : bad) {
+    const std::string row = "id " + std::to_string(id);
+    EXPECT_EQ(set().getObj(id), nullptr);
+    set().delObject(id);
+    set().delObject(std::vector<unsigned>{id, id});
+    set().delStaticObject(id);
+    set().setStaticObjectVisible(id, false);
+    set().snapDataChanged(id);
+    scene.setHit(id, 0, true);
+    scene.setHighLight(id, 0, true);
+    expectUsable(row, objects);
+  }
+  // The floor's shape indices past the end.
+  for (unsigned shape : {1u, 1000u, UINT_MAX}) {
+    scene.setHit(floorId, shape, true);
+    scene.setHighLight(floorId, shape, true);
+    expectUsable("shape " + std::to_string(shape), objects);
+  }
+  // Null, and an object that is already in the set, are refused.
+  EXPECT_EQ(set().addObject(nullptr), 0u);
+  EXPECT_EQ(set().addObject(set().getObj(floorId)), 0u);
+  EXPECT_EQ(set().addStaticObject(nullptr), 0u);
+  std::vector<unsigned> ids;
+  set().addObject({nullptr, set().getObj(floorId)}, ids);
+  set().updateSearchTree(nullptr);
+  expectUsable("null and repeated objects", objects);
+}
+
+TEST_F(BadInput, IdExhaustionKeepsTheSetUsable) {
+  // Every id the search would try next is taken.
+  auto& map = CObjectSetMgrTestAccess::objects(set());
+  const unsigned next = CObjectSetMgrTestAccess::nextId(set());
+  std::vector<unsigned> placeholders;
+  for (unsigned id = next; id < next + 10; ++id)
+    if (map.emplace(id, nullptr).second) placeholders.push_back(id);
+  CObjectSetMgrTestAccess::attemptLimit(set()) = 5;
+  std::unique_ptr<CRenderObject> refused(rectObject(0, 0, 1, 1));
+  bool threw = false;
+  try {
+    set().addObject(refused.get());
+  } catch (const std::exception* e) {
+    threw = true;
+    delete e;
+  }
+  EXPECT_TRUE(threw);
+  for (unsigned id : placeholders) map.erase(id);
+  CObjectSetMgrTestAccess::attemptLimit(set()) = 0xFFFFFFFDu;
+  expectUsable("exhausted", objects);
+  exercise("after exhaustion", rectObject(0, 0, 1, 1));
+}
+
+TEST_F(BadInput, SetQueriesWithHostileGeometry) {
+  for (double v : kBadValues) {
+    const AcGePoint3d p(v, v, v);
+    std::vector<CRenderObject*> found;
+    set().getInRectObjs(AcGePoint2d(v, 0), AcGePoint2d(0, v), found);
+    std::vector<CSnapNode> nodes;
+    set().getSnapNodes(AcGePoint2d(v, v), AcGePoint2d(-v, -v), nodes);
+    set().pushAssistPt(p, 1);
+    set().clearAssistPt(1);
+    const std::vector<std::vector<double>> planes = {{v, v, v, v}, {1, 2}, {}};
+    set().getObjsInFrustum(found, &planes);
+    expectUsable("set queries " + std::to_string(v), objects);
+  }
+}
+
+TEST_F(BadInput, ViewCallsWithHostileValues) {
+  for (double v : kBadValues) {
+    const std::string value = std::to_string(v);
+    scene.setRange(v);
+    expectUsable("setRange " + value, objects);
+    scene.scaleRange(v);
+    expectUsable("scaleRange " + value, objects);
+    scene.zoomW(AcGePoint3d(v, 0, 0), AcGePoint3d(1, v, 0));
+    expectUsable("zoomW world " + value, objects);
+    scene.world2screen(AcGePoint3d(v, -v, v));
+    scene.screen2world(CPoint(32, 32), AcGePlane(AcGePoint3d(v, 0, 0), AcGeVector3d(0, v, 1)));
+    scene.setOffsetPos(AcGePoint3d(v, v, v));
+    scene.setSnapFirstPt(true, AcGePoint3d(v, 0, 0));
+    const float light[4] = {float(v), 1, float(v), 0};
+    scene.setLightpos(light);
+    expectUsable("points " + value, objects);
+    scene.camera()->ReSet(AcGeVector3d(v, 0, 100), AcGeVector3d(0, v, 0), AcGeVector3d(0, 0, v));
+    scene.SetModelCam();
+    scene.render();
+    expectUsable("camera " + value, objects);
+    scene.camera()->MoveCameraForward(v);
+    scene.camera()->RotateCaremaLocalX(v);
+    scene.camera()->RotateCaremaUp(v, AcGePoint3d(v, 0, 0));
+    scene.render();
+    expectUsable("camera moves " + value, objects);
+  }
+  const CPoint far[] = {CPoint(INT_MIN, INT_MAX), CPoint(INT_MAX, INT_MIN), CPoint(32, 32)};
+  for (const CPoint& a : far) {
+    const std::string row = "screen point " + std::to_string(a.x);
+    scene.zoomW(a, CPoint(32, 32));
+    scene.zoomW(a, a);
+    scene.zoom(a.x);
+    scene.mouseWheel(SHRT_MIN, a);
+    scene.mouseWheel(SHRT_MAX, a);
+    scene.mouseMove(CSize(a.x, a.y));
+    scene.mouseFreeRotate(CSize(a.x, a.y), a);
+    scene.mouseLimitRotate(CSize(a.y, a.x), a);
+    scene.screen2world(a, CSceneMgr::PLANE_XY);
+    scene.screen2world(a, CSceneMgr::ProjectPlane(77));
+    std::vector<std::vector<double>> planes;
+    scene.getFrustumPlaneFrom2Pt(a, a, planes);
+    unsigned id = 0, shape = 0;
+    int extra = 0;
+    scene.pick(a, id, shape, 0, &extra, true);
+    std::vector<unsigned> ids;
+    scene.pick(a, CPoint(a.x == INT_MIN ? INT_MAX : -a.x, a.y == INT_MIN ? INT_MAX : -a.y), ids);
+    AcGePoint3d at;
+    CRenderObject::SnapMode kind;
+    scene.snap(a, INT_MAX, kNaN, at, kind);
+    scene.snap(a, -1, kInf, at, kind);
+    expectUsable(row, objects);
+  }
+  scene.popCamera();  // with nothing pushed
+  scene.setLightpos(nullptr);
+  scene.setPickPixelPrecision(INT_MIN);
+  scene.setRenderMode(CRenderObject::RenderMode(99));
+  scene.render();
+  // A mode the engine does not know draws nothing; a known one draws again.
+  scene.setRenderMode(CRenderObject::RenderMode(2));
+  expectUsable("empty camera stack, null light, unknown mode", objects);
+}
+
+TEST_F(BadInput, SceneFilesWithNullNames) {
+  CString error;
+  EXPECT_FALSE(KxReadSceneFile(nullptr, scene, error));
+  EXPECT_FALSE(KxWriteSceneFile(nullptr, scene, error));
+  EXPECT_FALSE(KxReadSceneFile("/nonexistent/dir/scene.json", scene, error));
+  expectUsable("scene file names", objects);
+}
+
+}  // namespace
