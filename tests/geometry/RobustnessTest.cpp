@@ -211,7 +211,6 @@ TEST(RobustnessTest, UtilitiesRefuseBadInput) {
     U::polyClockWise({p, AcGePoint3d(1, 0, 0), AcGePoint3d(0, 1, 0)});
     std::vector<AcGePoint3d> loop = {p, AcGePoint3d(1, 0, 0), AcGePoint3d(0, 1, 0)};
     U::cvtClock(loop, AcGeVector3d(kNaN, 0, 0), true);
-    EXPECT_TRUE(std::isnan(p.x) || std::isinf(p.y) || std::isinf(p.z));
     U::getAngle(p, AcGePoint3d());
     EXPECT_FALSE(U::sphereInFrustum(std::vector<std::vector<double>>(5, {1, 0, 0, 0}), AcGePoint3d(-kInf, 0, 0), 1.0));
   }
