@@ -49,7 +49,7 @@ std::vector<int> weldByPosition(const std::vector<AcGePoint3d>& pts) {
 }
 
 void creaseNormals(std::vector<AcGePoint3d>& pts, std::vector<int>& tris, std::vector<AcGeVector3d>& normals,
-                   double creaseAngle) {
+                   double creaseAngle, std::vector<AcGePoint2d>* uv) {
   const size_t nt = tris.size() / 3;
   const std::vector<int> weld = weldByPosition(pts);
   // Each triangle weighs in by its angle at the corner: a face split into
@@ -69,8 +69,9 @@ void creaseNormals(std::vector<AcGePoint3d>& pts, std::vector<int>& tris, std::v
   const double cosCrease = std::cos(creaseAngle * kPi / 180.0);
   std::vector<AcGePoint3d> outPts;
   std::vector<AcGeVector3d> outNormals;
+  std::vector<AcGePoint2d> outUv;
   std::vector<int> outTris(tris.size());
-  std::map<std::tuple<int, double, double, double>, int> shared;
+  std::map<std::tuple<int, double, double, double, double, double>, int> shared;
   for (size_t t = 0; t < nt; ++t) {
     for (int c = 0; c < 3; ++c) {
       const int v = weld[tris[3 * t + c]];
@@ -78,12 +79,14 @@ void creaseNormals(std::vector<AcGePoint3d>& pts, std::vector<int>& tris, std::v
       for (size_t corner : around[v])
         if (face[t].dotProduct(face[corner / 3]) >= cosCrease) sum += face[corner / 3] * angle[corner];
       const AcGeVector3d n = unit(sum.length() > 0.0 ? sum : face[t]);
-      const auto key = std::make_tuple(v, n.x, n.y, n.z);
+      const AcGePoint2d t2 = uv ? (*uv)[tris[3 * t + c]] : AcGePoint2d(0.0, 0.0);
+      const auto key = std::make_tuple(v, n.x, n.y, n.z, t2.x, t2.y);
       auto it = shared.find(key);
       if (it == shared.end()) {
         it = shared.emplace(key, int(outPts.size())).first;
         outPts.push_back(pts[v]);
         outNormals.push_back(n);
+        if (uv) outUv.push_back(t2);
       }
       outTris[3 * t + c] = it->second;
     }
@@ -91,6 +94,7 @@ void creaseNormals(std::vector<AcGePoint3d>& pts, std::vector<int>& tris, std::v
   pts.swap(outPts);
   tris.swap(outTris);
   normals.swap(outNormals);
+  if (uv) uv->swap(outUv);
 }
 
 std::vector<std::vector<AcGePoint3d>> featureLines(const std::vector<AcGePoint3d>& pts, const std::vector<int>& tris,
