@@ -14,6 +14,7 @@ namespace kximport {
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
+constexpr size_t kMaxSmoothFan = 4096;
 
 // Unnormalised normal (twice the area) of triangle t.
 AcGeVector3d areaNormal(const std::vector<AcGePoint3d>& pts, const std::vector<int>& tris, size_t t) {
@@ -92,10 +93,14 @@ void creaseNormals(std::vector<AcGePoint3d>& pts, std::vector<int>& tris, std::v
   std::vector<std::pair<Key, size_t>> keyed;
   for (size_t v = 0; v < pts.size(); ++v) {
     keyed.clear();
+    // Averaging compares every two corners at a position: past a fan of
+    // thousands of triangles (rare, or hostile) corners keep their face's
+    // normal, so the time stays bounded.
+    const bool flat = first[v + 1] - first[v] > kMaxSmoothFan;
     for (size_t i = first[v]; i < first[v + 1]; ++i) {
       const size_t k = around[i], t = k / 3;
       AcGeVector3d sum(0.0, 0.0, 0.0);
-      for (size_t j = first[v]; j < first[v + 1]; ++j)
+      for (size_t j = first[v]; j < first[v + 1] && !flat; ++j)
         if (face[t].dotProduct(face[around[j] / 3]) >= cosCrease) sum += face[around[j] / 3] * angle[around[j]];
       const AcGeVector3d n = unit(sum.length() > 0.0 ? sum : face[t]);
       const AcGePoint2d t2 = uv ? (*uv)[size_t(tris[k])] : AcGePoint2d(0.0, 0.0);

@@ -18,7 +18,8 @@ std::vector<int> weldByPosition(const std::vector<AcGePoint3d>& pts);
 // averages (weighted by their angle there) the triangles around its position whose normals
 // lie within creaseAngle degrees of its own triangle's. Corners with equal
 // position and normal (and texture coordinates, when uv is given: one per
-// position, replaced alongside) share one vertex.
+// position, replaced alongside) share one vertex. A position with more
+// than 4096 corners keeps each triangle's own normal there.
 void creaseNormals(std::vector<AcGePoint3d>& pts, std::vector<int>& tris, std::vector<AcGeVector3d>& normals,
                    double creaseAngle, std::vector<AcGePoint2d>* uv = nullptr);
 

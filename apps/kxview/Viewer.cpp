@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 
 #include "kxrender/KxImage.h"
 #include "kxrender/KxModelImport.h"
@@ -326,8 +327,29 @@ bool Viewer::exportPng(const std::string& path, int width, int height) {
     // objects (their display lists belong to the window's context).
     CSceneMgr copy;
     if (copy.initializeRender(offscreen, false, false)) {
-      for (const auto& kv : m_scene.getObjSetMgr()->objects())
-        if (kv.second) copy.getObjSetMgr()->addObject(new CRenderObject(*kv.second));
+      // Textures are names in a context too: file textures load again into
+      // the copy's manager; pictures embedded in the model are not kept
+      // apart from their texture, so those faces go plain.
+      std::map<unsigned, unsigned> textureIn;
+      for (const CString& name : m_textures) {
+        unsigned from = 0, to = 0;
+        if (m_scene.getTextureMgrPtr()->getTexture(name, from) && copy.getTextureMgrPtr()->addTexture(name) &&
+            copy.getTextureMgrPtr()->getTexture(name, to))
+          textureIn[from] = to;
+      }
+      for (const auto& kv : m_scene.getObjSetMgr()->objects()) {
+        if (!kv.second) continue;
+        auto* o = new CRenderObject(*kv.second);
+        for (CRenderShape& s : o->getShps()) {
+          if (!s.hasTexture()) continue;
+          const auto it = textureIn.find(s.getTexture());
+          if (it == textureIn.end())
+            s.clearTexture();
+          else
+            s.setTexture(it->second);
+        }
+        copy.getObjSetMgr()->addObject(o);
+      }
       copy.getObjSetMgr()->freshBox();
       *copy.camera() = *m_scene.camera();
       copy.setRange(m_scene.dRange());
