@@ -22,11 +22,12 @@ void BenchTable::setCounts(const std::string& size, size_t objects, size_t polyg
 }
 
 void BenchTable::print(FILE* out) const {
-  static const char* const frames[] = {kFirstFrame,  kSteadyFrame,      kAccelerateFrame,
-                                       kZoomedFrame, kShadowFirstFrame, kShadowSteadyFrame};
-  static const char* const rows[] = {kBuild,     kFirstFrame, kSteadyFrame,   kAccelerateFrame, kZoomedFrame,
-                                     kPointPick, kRectPick,   kPointPickFull, kPointPickWorst,  kSnapFull,
-                                     kSnapWorst, kRectWindow, kRectCrossing,  kLimitArray,      kLimitList,
+  static const char* const frames[] = {kFirstFrame,       kSteadyFrame,      kAccelerateFrame,  kZoomedFrame,
+                                       kZoomedModelFrame, kShadowFirstFrame, kShadowSteadyFrame};
+  static const char* const rows[] = {kBuild,          kFirstFrame,   kSteadyFrame,      kAccelerateFrame,
+                                     kZoomedFrame,    kZoomedModelFrame, kPointPick,    kRectPick,
+                                     kPointPickFull,  kPointPickWorst, kSnapFull,       kSnapWorst,
+                                     kRectWindow,     kRectCrossing, kLimitArray,       kLimitList,
                                      kShadowFirstFrame, kShadowSteadyFrame, kPoster};
   std::vector<std::string> sizes;
   for (const auto& kv : m_ms)
@@ -65,6 +66,17 @@ void BenchTable::print(FILE* out) const {
     std::fprintf(out, " | %11.1f %8s", it == m_memory.end() ? 0.0 : it->second, "");
   }
   std::fprintf(out, "\n");
+  if (!m_engineMemory.empty()) {
+    std::fprintf(out, "%-42s", "peak memory, engine alone (MB)");
+    for (const std::string& s : sizes) {
+      auto it = m_engineMemory.find(s);
+      if (it == m_engineMemory.end())
+        std::fprintf(out, " | %11s %8s", "-", "");
+      else
+        std::fprintf(out, " | %11.1f %8s", it->second, "");
+    }
+    std::fprintf(out, "\n");
+  }
   if (!m_posterMemory.empty()) {
     std::fprintf(out, "%-42s", "poster peak memory (MB)");
     for (const std::string& s : sizes) {
