@@ -104,8 +104,11 @@ bool loadModel(CSceneMgr& scene, const ModelChoice& m) {
       std::fprintf(stderr, "\rkxdemo: %-8s %3d%%", phase, int(f * 100.0));
       return true;
     };
+    options.textures = scene.getTextureMgrPtr();  // its context is current
     CString error;
-    const bool ok = KxImportModel(m.sceneFile.c_str(), *scene.getObjSetMgr(), error, options);
+    KxImportResult result;
+    const bool ok = KxImportModel(m.sceneFile.c_str(), *scene.getObjSetMgr(), error, options, &result);
+    for (const CString& w : result.warnings) std::fprintf(stderr, "kxdemo: warning: %s\n", w.GetString());
     std::fprintf(stderr, "\n");
     if (!ok) {
       std::fprintf(stderr, "kxdemo: %s\n", error.GetString());

@@ -21,15 +21,34 @@ void BenchTable::setCounts(const std::string& size, size_t objects, size_t polyg
   if (std::find(m_sizes.begin(), m_sizes.end(), size) == m_sizes.end()) m_sizes.push_back(size);
 }
 
+namespace {
+// A row of megabytes per tower size; "-" where a size has no figure, and no
+// row at all when no size has one.
+void printMemoryRow(FILE* out, const char* label, const std::map<std::string, double>& mb,
+                    const std::vector<std::string>& sizes) {
+  if (mb.empty()) return;
+  std::fprintf(out, "%-42s", label);
+  for (const std::string& s : sizes) {
+    auto it = mb.find(s);
+    if (it == mb.end())
+      std::fprintf(out, " | %11s %8s", "-", "");
+    else
+      std::fprintf(out, " | %11.1f %8s", it->second, "");
+  }
+  std::fprintf(out, "\n");
+}
+}  // namespace
+
 void BenchTable::print(FILE* out) const {
-  static const char* const frames[] = {kFirstFrame,      kSteadyFrame,      kSteadyFrameOff,
-                                       kRecompileFrame,  kAccelerateFrame,  kZoomedFrame,
-                                       kShadowFirstFrame, kShadowSteadyFrame};
-  static const char* const rows[] = {kBuild,          kFirstFrame,      kSteadyFrame,      kSteadyFrameOff,
-                                     kRecompileFrame, kAccelerateFrame, kZoomedFrame,      kPointPick,
-                                     kRectPick,       kPointPickFull,   kPointPickWorst,   kSnapFull,
-                                     kSnapWorst,      kRectWindow,      kRectCrossing,     kLimitArray,
-                                     kLimitList,      kShadowFirstFrame, kShadowSteadyFrame, kPoster};
+  static const char* const frames[] = {kFirstFrame,       kSteadyFrame,      kSteadyFrameOff,   kRecompileFrame,
+                                       kAccelerateFrame,  kZoomedFrame,      kZoomedModelFrame, kShadowFirstFrame,
+                                       kShadowSteadyFrame};
+  static const char* const rows[] = {kBuild,          kFirstFrame,       kSteadyFrame,    kSteadyFrameOff,
+                                     kRecompileFrame, kAccelerateFrame,  kZoomedFrame,    kZoomedModelFrame,
+                                     kPointPick,      kRectPick,         kPointPickFull,  kPointPickWorst,
+                                     kSnapFull,       kSnapWorst,        kRectWindow,     kRectCrossing,
+                                     kLimitArray,     kLimitList,        kShadowFirstFrame, kShadowSteadyFrame,
+                                     kPoster};
   std::vector<std::string> sizes;
   for (const auto& kv : m_ms)
     if (std::find(m_sizes.begin(), m_sizes.end(), kv.first) == m_sizes.end()) sizes.push_back(kv.first);
@@ -67,17 +86,8 @@ void BenchTable::print(FILE* out) const {
     std::fprintf(out, " | %11.1f %8s", it == m_memory.end() ? 0.0 : it->second, "");
   }
   std::fprintf(out, "\n");
-  if (!m_posterMemory.empty()) {
-    std::fprintf(out, "%-42s", "poster peak memory (MB)");
-    for (const std::string& s : sizes) {
-      auto it = m_posterMemory.find(s);
-      if (it == m_posterMemory.end())
-        std::fprintf(out, " | %11s %8s", "-", "");
-      else
-        std::fprintf(out, " | %11.1f %8s", it->second, "");
-    }
-    std::fprintf(out, "\n");
-  }
+  printMemoryRow(out, "peak memory, engine alone (MB)", m_engineMemory, sizes);
+  printMemoryRow(out, "poster peak memory (MB)", m_posterMemory, sizes);
   static const char* const countNames[] = {"objects", "polygons", "holes", "triangles", "vertices", "limit triangles"};
   for (int k = 0; k < 6; ++k) {
     std::fprintf(out, "%-42s", countNames[k]);

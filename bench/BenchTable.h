@@ -17,6 +17,7 @@ class BenchTable {
   static constexpr const char* kRecompileFrame = "frame recompiling every object list";
   static constexpr const char* kAccelerateFrame = "steady frame, accelerate on";
   static constexpr const char* kZoomedFrame = "zoomed-in frame (1/10 of the view)";
+  static constexpr const char* kZoomedModelFrame = "zoomed-in frame (1/10 of the model)";
   static constexpr const char* kPointPick = "point pick candidates (200 pixels)";
   static constexpr const char* kRectPick = "rectangle pick candidates (1/10 screen)";
   static constexpr const char* kPointPickFull = "point pick (200 pixels), median";
@@ -46,6 +47,9 @@ class BenchTable {
   void setCounts(const std::string& size, size_t objects, size_t polygons, size_t holes, size_t triangles,
                  size_t vertices, size_t limitTriangles);
   void setPeakMemory(const std::string& size, double mb) { m_memory[size] = mb; }
+  // Peak resident memory of the engine's work alone, the limit's arrays and
+  // list never in the process meanwhile.
+  void setEngineMemory(const std::string& size, double mb) { m_engineMemory[size] = mb; }
   // Peak resident memory while the poster was rendered and written.
   void setPosterMemory(const std::string& size, double mb) { m_posterMemory[size] = mb; }
   void print(FILE* out) const;
@@ -55,5 +59,6 @@ class BenchTable {
   std::map<std::string, std::map<std::string, double>> m_ms;
   std::map<std::string, std::vector<size_t>> m_counts;
   std::map<std::string, double> m_memory;
+  std::map<std::string, double> m_engineMemory;
   std::map<std::string, double> m_posterMemory;
 };

@@ -199,6 +199,9 @@ bool normalizeArcAngles(double& start, double& end) {
   if (!std::isfinite(start) || !std::isfinite(end)) return false;
   const double turn = 2.0 * M_PI;
   if (end < start) end += turn * std::ceil((start - end) / turn);
+  // Far from zero a turn is below the angles' precision and the sum above
+  // can land short of the start: the arc has no measurable sweep.
+  if (end < start) end = start;
   if (end - start > turn) end = start + turn;
   return true;
 }

@@ -4,6 +4,7 @@
 // and the edges a wire frame and picking need (boundary and feature edges).
 #include <vector>
 
+#include "kxrender/AcGePoint2d.h"
 #include "kxrender/AcGePoint3d.h"
 #include "kxrender/AcGeVector3d.h"
 
@@ -16,9 +17,11 @@ std::vector<int> weldByPosition(const std::vector<AcGePoint3d>& pts);
 // Replaces pts and tris by a mesh whose corners carry normals: each corner
 // averages (weighted by their angle there) the triangles around its position whose normals
 // lie within creaseAngle degrees of its own triangle's. Corners with equal
-// position and normal share one vertex.
+// position and normal (and texture coordinates, when uv is given: one per
+// position, replaced alongside) share one vertex. A position with more
+// than 4096 corners keeps each triangle's own normal there.
 void creaseNormals(std::vector<AcGePoint3d>& pts, std::vector<int>& tris, std::vector<AcGeVector3d>& normals,
-                   double creaseAngle);
+                   double creaseAngle, std::vector<AcGePoint2d>* uv = nullptr);
 
 // The boundary edges (one triangle), non-manifold edges (three or more) and
 // feature edges (two triangles whose normals differ by more than

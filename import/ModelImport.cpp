@@ -21,6 +21,7 @@
 #include "import/PlyCheck.h"
 #include "kxrender/AcGeLineSeg3d.h"
 #include "kxrender/CRenderObject.h"
+#include "kxrender/CTextureMgr.h"
 #include "kxrender/KxModelImport.h"
 
 namespace {
@@ -57,12 +58,18 @@ const char* contentProblem(const unsigned char* data, size_t size) {
   return nullptr;
 }
 
+// A mesh of the scene (by index) placed in the world.
+struct Part {
+  unsigned mesh;
+  aiMatrix4x4 world;
+};
+
 // One object in the making: the meshes of a node (and, for an IFC product,
 // of the mapped items below it) with their world transforms.
 struct Pending {
   std::string name;
   std::map<CString, CString> tags;
-  std::vector<std::pair<const aiMesh*, aiMatrix4x4>> parts;
+  std::vector<Part> parts;
 };
 
 struct Walker {
@@ -100,7 +107,7 @@ struct Walker {
     const size_t ownerIndex = owner ? size_t(owner - objects.data()) : size_t(-1);
     for (unsigned i = 0; i < node.mNumMeshes; ++i)
       if (node.mMeshes[i] < scene.mNumMeshes)
-        objects[ownerIndex].parts.emplace_back(scene.mMeshes[node.mMeshes[i]], world);
+        objects[ownerIndex].parts.push_back(Part{node.mMeshes[i], world});
     for (unsigned i = 0; i < node.mNumChildren; ++i) {
       Pending* o = ownerIndex == size_t(-1) ? nullptr : &objects[ownerIndex];
       // A new IFC product or mesh node below a relationship starts afresh.
@@ -142,32 +149,87 @@ CColor materialColor(const aiScene& scene, unsigned index) {
 }
 
 // Texture names come from other systems: with '\\' between folders and in
-// any case.
-bool textureExists(const std::filesystem::path& folder, std::string name) {
+// any case. The path of the file, or empty when there is none.
+std::string findTexture(const std::filesystem::path& folder, std::string name) {
   std::replace(name.begin(), name.end(), '\\', '/');
   const std::filesystem::path rel(name);
   std::error_code ec;
-  if (std::filesystem::exists(folder / rel, ec) || std::filesystem::exists(rel, ec)) return true;
+  if (std::filesystem::is_regular_file(folder / rel, ec)) return (folder / rel).string();
+  if (std::filesystem::is_regular_file(rel, ec)) return rel.string();
   const std::filesystem::path dir = (folder / rel).parent_path();
   const std::string wanted = lower(rel.filename().string());
   for (std::filesystem::directory_iterator it(dir, ec), end; !ec && it != end; it.increment(ec))
-    if (lower(it->path().filename().string()) == wanted) return true;
-  return false;
+    if (lower(it->path().filename().string()) == wanted && it->is_regular_file(ec)) return it->path().string();
+  return {};
 }
 
-// The first texture file of the materials that cannot be found.
-std::string missingTexture(const aiScene& scene, const std::filesystem::path& folder) {
-  for (unsigned m = 0; m < scene.mNumMaterials; ++m)
-    for (aiTextureType type : {aiTextureType_DIFFUSE, aiTextureType_BASE_COLOR}) {
-      for (unsigned t = 0; t < scene.mMaterials[m]->GetTextureCount(type); ++t) {
-        aiString path;
-        if (scene.mMaterials[m]->GetTexture(type, t, &path) != AI_SUCCESS) continue;
-        const std::string p = path.C_Str();
-        if (p.empty() || p[0] == '*' || scene.GetEmbeddedTexture(p.c_str())) continue;
-        if (!textureExists(folder, p)) return p;
+// The diffuse textures of the materials, registered in the scene's texture
+// manager. A texture that cannot be had is a warning: the faces are drawn
+// in the material's colour instead.
+struct ModelTextures {
+  std::vector<unsigned> byMaterial;  // GL texture names, 0 for none
+  std::vector<CString> used, added, warnings;
+  CTextureMgr* manager = nullptr;
+  bool keep = false;
+  ~ModelTextures() {
+    // A failed import leaves the manager as it was.
+    if (!keep && manager)
+      for (const CString& name : added) manager->delTexture(name);
+  }
+};
+
+void loadTextures(const aiScene& scene, const std::string& file, const std::filesystem::path& folder,
+                  CTextureMgr* manager, ModelTextures& out) {
+  out.manager = manager;
+  out.byMaterial.assign(scene.mNumMaterials, 0u);
+  for (unsigned m = 0; m < scene.mNumMaterials; ++m) {
+    aiString path;
+    const aiMaterial& material = *scene.mMaterials[m];
+    if (material.GetTexture(aiTextureType_DIFFUSE, 0, &path) != AI_SUCCESS &&
+        material.GetTexture(aiTextureType_BASE_COLOR, 0, &path) != AI_SUCCESS)
+      continue;
+    const std::string p = path.C_Str();
+    if (p.empty()) continue;
+    auto warn = [&](const std::string& problem) {
+      const CString w(file + ": " + problem + "; drawn without it");
+      if (std::find(out.warnings.begin(), out.warnings.end(), w) == out.warnings.end()) out.warnings.push_back(w);
+    };
+    std::string name;
+    bool registered = false;
+    if (const aiTexture* embedded = scene.GetEmbeddedTexture(p.c_str())) {
+      // Compressed pictures (PNG, JPEG) are the bytes of a file; raw texels
+      // come from formats outside the offered ones.
+      if (embedded->mHeight != 0) {
+        warn("embedded texture '" + p + "' is not a compressed picture");
+        continue;
+      }
+      if (!manager) continue;
+      name = file + p;
+      registered = manager->exist(CString(name));
+      if (!manager->addTexture(CString(name), embedded->pcData, embedded->mWidth)) {
+        warn("embedded texture '" + p + "' is not a picture that can be read");
+        continue;
+      }
+    } else {
+      if (folder.empty() || p[0] == '*') continue;
+      name = findTexture(folder, p);
+      if (name.empty()) {
+        warn("texture file '" + p + "' not found");
+        continue;
+      }
+      if (!manager) continue;
+      registered = manager->exist(CString(name));
+      if (!manager->addTexture(CString(name))) {
+        warn("texture file '" + name + "' is not a picture that can be read");
+        continue;
       }
     }
-  return {};
+    unsigned id = 0;
+    if (!manager->getTexture(CString(name), id)) continue;
+    out.byMaterial[m] = id;
+    if (std::find(out.used.begin(), out.used.end(), CString(name)) == out.used.end()) out.used.emplace_back(name);
+    if (!registered) out.added.emplace_back(name);
+  }
 }
 
 // An OBJ's material libraries that are not there (assimp would only warn).
@@ -184,15 +246,43 @@ std::string missingMaterialLibrary(const std::filesystem::path& file) {
   return {};
 }
 
-// One face shape of the meshes of one material, in world coordinates.
-CRenderShape buildShape(const std::vector<std::pair<const aiMesh*, aiMatrix4x4>>& parts, const aiMatrix4x4& axes,
-                        const CColor& color, const KxImportOptions& options, KxImportResult& counts) {
+// The scene's meshes are freed as soon as the last object using them is
+// built: a large file never holds assimp's copy of all its geometry next to
+// the engine's.
+class MeshUsers {
+ public:
+  MeshUsers(aiScene& scene, const std::vector<Pending>& objects) : m_scene(scene), m_users(scene.mNumMeshes, 0) {
+    for (const Pending& p : objects)
+      for (const Part& part : p.parts) ++m_users[part.mesh];
+    for (unsigned i = 0; i < scene.mNumMeshes; ++i)
+      if (m_users[i] == 0) release(i);
+  }
+  void done(unsigned mesh) {
+    if (--m_users[mesh] == 0) release(mesh);
+  }
+
+ private:
+  void release(unsigned mesh) {
+    delete m_scene.mMeshes[mesh];
+    m_scene.mMeshes[mesh] = nullptr;
+  }
+  aiScene& m_scene;
+  std::vector<size_t> m_users;
+};
+
+// One face shape of the meshes of one material, in world coordinates,
+// textured when the material has a texture (GL names are never 0).
+CRenderShape buildShape(const aiScene& scene, const std::vector<Part>& parts, const aiMatrix4x4& axes,
+                        const CColor& color, unsigned texture, MeshUsers& users,
+                        const KxImportOptions& options, KxImportResult& counts) {
   std::vector<AcGePoint3d> pts;
   std::vector<AcGeVector3d> normals;
+  std::vector<AcGePoint2d> uv;
   std::vector<int> tris;
   bool allNormals = true;
-  for (const auto& [mesh, transform] : parts) {
-    const aiMatrix4x4 m = axes * transform;
+  for (const Part& part : parts) {
+    const aiMesh* mesh = scene.mMeshes[part.mesh];
+    const aiMatrix4x4 m = axes * part.world;
     const aiMatrix3x3 n = aiMatrix3x3(m).Inverse().Transpose();
     const int base = int(pts.size());
     allNormals = allNormals && mesh->HasNormals();
@@ -202,6 +292,10 @@ CRenderShape buildShape(const std::vector<std::pair<const aiMesh*, aiMatrix4x4>>
       aiVector3D d = mesh->HasNormals() ? n * mesh->mNormals[v] : aiVector3D();
       d.NormalizeSafe();
       normals.emplace_back(d.x, d.y, d.z);
+      if (texture != 0) {
+        const aiVector3D t = mesh->HasTextureCoords(0) ? mesh->mTextureCoords[0][v] : aiVector3D();
+        uv.emplace_back(t.x, t.y);
+      }
     }
     auto finite = [&](unsigned i) {
       const AcGePoint3d& p = pts[size_t(base) + i];
@@ -214,15 +308,20 @@ CRenderShape buildShape(const std::vector<std::pair<const aiMesh*, aiMatrix4x4>>
         continue;
       for (int c = 0; c < 3; ++c) tris.push_back(base + int(face.mIndices[c]));
     }
+    users.done(part.mesh);
   }
   const std::vector<std::vector<AcGePoint3d>> lines = kximport::featureLines(pts, tris, options.featureAngle);
-  if (!allNormals) kximport::creaseNormals(pts, tris, normals, options.creaseAngle);
+  if (!allNormals) kximport::creaseNormals(pts, tris, normals, options.creaseAngle, texture != 0 ? &uv : nullptr);
   CRenderShape s;
   s.setFaceType(false);
   s.setClr(color);
   s.setFaceVertexArray(&pts);
   s.setFaceTriangleIndexArray(&tris);
   s.setFaceNormalArray(&normals);
+  if (texture != 0) {
+    s.setFaceTexCoordArray(&uv);
+    s.setTexture(texture);
+  }
   for (const auto& line : lines) s.addHitLine(line);
   s.calBox();
   s.calArea();
@@ -244,20 +343,21 @@ bool fail(CString& error, const std::string& file, const std::string& problem) {
   return false;
 }
 
-bool importScene(Assimp::Importer& importer, const aiScene* scene, Progress& progress, const std::string& file,
+bool importScene(Assimp::Importer& importer, bool read, Progress& progress, const std::string& file,
                  const std::string& ext, const std::filesystem::path& folder, CObjectSetMgr& set, CString& error,
                  const KxImportOptions& options, KxImportResult* result) {
   if (progress.cancelled()) return fail(error, file, "import cancelled");
-  if (!scene) {
+  if (!read) {
     std::string why = importer.GetErrorString();
     return fail(error, file, why.empty() ? "not a model file assimp can read" : why);
   }
-  if (scene->mFlags & AI_SCENE_FLAGS_INCOMPLETE || !scene->mRootNode || scene->mNumMeshes == 0)
+  // Ours from here, so that its meshes can go while objects are built.
+  const std::unique_ptr<aiScene> owned(importer.GetOrphanedScene());
+  aiScene* scene = owned.get();
+  if (!scene || scene->mFlags & AI_SCENE_FLAGS_INCOMPLETE || !scene->mRootNode || scene->mNumMeshes == 0)
     return fail(error, file, "the file holds no triangle meshes");
-  if (!folder.empty()) {
-    const std::string tex = missingTexture(*scene, folder);
-    if (!tex.empty()) return fail(error, file, "texture file '" + tex + "' not found");
-  }
+  ModelTextures textures;
+  loadTextures(*scene, file, folder, options.textures, textures);
   const bool ifc = ext == "ifc";
   // glTF's convention, and assimp's IFC output, is y up.
   aiMatrix4x4 axes;
@@ -265,6 +365,7 @@ bool importScene(Assimp::Importer& importer, const aiScene* scene, Progress& pro
 
   Walker walker{*scene, ifc, {}};
   walker.walk(*scene->mRootNode, aiMatrix4x4(), nullptr, "");
+  MeshUsers users(*scene, walker.objects);
   KxImportResult counts;
   std::vector<CRenderObject*> built;
   auto discard = [&] {
@@ -276,12 +377,14 @@ bool importScene(Assimp::Importer& importer, const aiScene* scene, Progress& pro
       discard();
       return fail(error, file, "import cancelled");
     }
-    std::map<unsigned, std::vector<std::pair<const aiMesh*, aiMatrix4x4>>> byMaterial;
-    for (const auto& part : p.parts) byMaterial[part.first->mMaterialIndex].push_back(part);
+    std::map<unsigned, std::vector<Part>> byMaterial;
+    for (const Part& part : p.parts) byMaterial[scene->mMeshes[part.mesh]->mMaterialIndex].push_back(part);
     if (byMaterial.empty()) continue;
     auto* o = new CRenderObject;
     for (const auto& [material, parts] : byMaterial) {
-      CRenderShape s = buildShape(parts, axes, materialColor(*scene, material), options, counts);
+      const unsigned texture = material < textures.byMaterial.size() ? textures.byMaterial[material] : 0u;
+      CRenderShape s = buildShape(*scene, parts, axes, materialColor(*scene, material), texture, users, options,
+                                  counts);
       for (const auto& [k, v] : p.tags) s.setXdata(k, v);
       o->addShape(s);
     }
@@ -305,6 +408,9 @@ bool importScene(Assimp::Importer& importer, const aiScene* scene, Progress& pro
   progress.report(1.0, "building");
   for (CRenderObject* o : built) counts.ids.push_back(set.addObject(o));
   set.freshBox();
+  textures.keep = true;
+  counts.textures = textures.used;
+  counts.warnings = textures.warnings;
   if (result) *result = std::move(counts);
   return true;
 }
@@ -350,8 +456,8 @@ bool KxImportModel(const char* path, CObjectSetMgr& set, CString& error, const K
   Progress progress(options);
   Assimp::Importer importer;
   configure(importer, &progress);
-  const aiScene* scene = importer.ReadFile(file, importFlags());
-  const bool ok = importScene(importer, scene, progress, file, ext, fs.parent_path().empty() ? "." : fs.parent_path(),
+  const bool read = importer.ReadFile(file, importFlags()) != nullptr;
+  const bool ok = importScene(importer, read, progress, file, ext, fs.parent_path().empty() ? "." : fs.parent_path(),
                               set, error, options, result);
   importer.SetProgressHandler(nullptr);
   return ok;
@@ -373,8 +479,8 @@ bool KxImportModelFromMemory(const void* data, size_t size, const char* formatHi
   Progress progress(options);
   Assimp::Importer importer;
   configure(importer, &progress);
-  const aiScene* scene = importer.ReadFileFromMemory(data, size, importFlags(), ext.c_str());
-  const bool ok = importScene(importer, scene, progress, file, ext, {}, set, error, options, result);
+  const bool read = importer.ReadFileFromMemory(data, size, importFlags(), ext.c_str()) != nullptr;
+  const bool ok = importScene(importer, read, progress, file, ext, {}, set, error, options, result);
   importer.SetProgressHandler(nullptr);
   return ok;
 }

@@ -30,7 +30,16 @@ struct CSnapNode {
 
 class CBjSnap {
  public:
-  void markDirty(unsigned id) { m_dirty.insert(id); }
+  // Past a share of the whole, the next refresh rebuilds anyway: a model
+  // being loaded then costs no set of its ids.
+  void markDirty(unsigned id) {
+    if (m_rebuild) return;
+    m_dirty.insert(id);
+    if (m_dirty.size() > 64 + m_inTree.size() / 8) {
+      m_rebuild = true;
+      m_dirty.clear();
+    }
+  }
   void markAssistDirty() { m_assistDirty = true; }
   // Everything is read again at the next refresh.
   void markAll() { m_rebuild = true; }

@@ -6,6 +6,7 @@
 
 #include "kxrender/CSceneMgr.h"
 #include "platform/Win32Window.h"
+#include "scene/PixelFormatRequest.h"
 #include "support/GLTable.h"
 
 DIBSection CSceneMgr::m_renderDib;
@@ -23,14 +24,7 @@ void CSceneMgr::releaseListsInCurrent() {
 }
 
 bool CSceneMgr::openBitmapContext(HDC dc, HGLRC& rc) {
-  PIXELFORMATDESCRIPTOR pfd = {};
-  pfd.nSize = sizeof pfd;
-  pfd.nVersion = 1;
-  pfd.dwFlags = PFD_DRAW_TO_BITMAP | PFD_SUPPORT_GDI | PFD_SUPPORT_OPENGL;
-  pfd.iPixelType = PFD_TYPE_RGBA;
-  pfd.cColorBits = 24;
-  pfd.cDepthBits = 24;
-  pfd.cStencilBits = 8;
+  PIXELFORMATDESCRIPTOR pfd = KxScenePixelFormat(PFD_DRAW_TO_BITMAP | PFD_SUPPORT_GDI | PFD_SUPPORT_OPENGL, 0);
   const int format = ChoosePixelFormat(dc, &pfd);
   if (format == 0 || !SetPixelFormat(dc, format, &pfd)) return false;
   rc = wglCreateContext(dc);

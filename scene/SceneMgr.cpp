@@ -8,6 +8,7 @@
 #include "kxrender/CSceneMgr.h"
 #include "platform/Win32System.h"
 #include "platform/Win32Window.h"
+#include "scene/PixelFormatRequest.h"
 #include "support/GLTable.h"
 
 CSceneMgr* CSceneMgr::m_currentScenePtr = nullptr;
@@ -101,15 +102,7 @@ CObjectSetMgr* CSceneMgr::getObjSetMgr() {
 }
 
 bool CSceneMgr::choosePixelFormatEx(HDC hDC, int& format) {
-  PIXELFORMATDESCRIPTOR want = {};
-  want.nSize = sizeof want;
-  want.nVersion = 1;
-  want.dwFlags = PFD_DRAW_TO_WINDOW | PFD_SUPPORT_OPENGL | PFD_DOUBLEBUFFER;
-  want.iPixelType = PFD_TYPE_RGBA;
-  want.cColorBits = 24;
-  want.cAlphaBits = 8;
-  want.cDepthBits = 24;
-  want.cStencilBits = 8;
+  PIXELFORMATDESCRIPTOR want = KxScenePixelFormat(PFD_DRAW_TO_WINDOW | PFD_SUPPORT_OPENGL | PFD_DOUBLEBUFFER, 8);
   const int chosen = ChoosePixelFormat(hDC, &want);
   if (chosen <= 0) return false;
   PIXELFORMATDESCRIPTOR got = {};

@@ -139,10 +139,24 @@ void CRenderShape::set(const std::vector<AcGePoint3d>& pts, const std::vector<st
   }
   const size_t givenCount = pts.size();
 
-  m_pts = pts;
+  // Room for the closing point a polygon's contours may gain: appending it
+  // would otherwise reallocate every contour to twice its size.
+  const size_t closing = type == kPgon ? 1 : 0;
+  if (&pts != &m_pts) {
+    m_pts.clear();
+    m_pts.reserve(pts.size() + closing);
+    m_pts.insert(m_pts.end(), pts.begin(), pts.end());
+  }
   m_holes.clear();
-  for (const auto& h : *source)
-    if (!h.empty()) m_holes.push_back(h);
+  size_t holeCount = 0;
+  for (const auto& h : *source) holeCount += h.empty() ? 0 : 1;
+  m_holes.reserve(holeCount);
+  for (const auto& h : *source) {
+    if (h.empty()) continue;
+    m_holes.emplace_back();
+    m_holes.back().reserve(h.size() + closing);
+    m_holes.back().insert(m_holes.back().end(), h.begin(), h.end());
+  }
   m_type = type;
   m_clr.set(clr.r, clr.g, clr.b, clr.a);
   m_ucs = ucs.normal();

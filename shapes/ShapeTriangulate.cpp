@@ -46,7 +46,9 @@ bool quadStrip(const std::vector<AcGePoint3d>& pts, const AcGeMatrix3d& toPlane,
   const double tol = CRenderSysUtils::PRECISION;
   if (!CRenderSysUtils::PtInArea(mid02, quad, tol, false) || !CRenderSysUtils::PtInArea(mid13, quad, tol, false))
     return false;
+  glPts.reserve(12);
   for (int i : {0, 1, 3, 2}) appendPoint(glPts, pts[i]);
+  strips.reserve(1);
   strips.push_back({0, 1, 2, 3});
   return true;
 }
@@ -106,6 +108,12 @@ void CRenderShape::divTringle() {
   if (!tess.endPolygon()) return;
 
   const AcGeMatrix3d toWorld = AcGeMatrix3d::planeToWorld(plane);
+  // Sized once: shapes keep these for life, so no spare capacity either.
+  size_t total = 0, kept = 0;
+  for (size_t s = 0; s < tess.stripCount() && total + tess.stripSize(s) <= kMaxVertices; ++s, ++kept)
+    total += tess.stripSize(s);
+  m_glPts.reserve(3 * total);
+  m_strips.reserve(kept);
   size_t used = 0;
   for (size_t s = 0; s < tess.stripCount(); ++s) {
     const size_t n = tess.stripSize(s);

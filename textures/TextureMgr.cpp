@@ -14,21 +14,15 @@ void flipRows(kxplatform::DecodedImage& image) {
   for (; top < bottom; top += row, bottom -= row) std::swap_ranges(top, top + row, bottom);
 }
 
-}  // namespace
-
-bool CTextureMgr::addTexture(CString const& file) {
-  if (exist(file)) return true;
-  // Every format comes out as straight RGBA: colour from every pixel depth,
-  // alpha from the file's own transparency, opaque otherwise.
-  kxplatform::DecodedImage image;
-  if (!kxplatform::decodeImageFile(file.str(), image)) return false;
+// A GL texture of the decoded image; id 0 when GL gives no name.
+CTextureMgr::TextureInfo upload(kxplatform::DecodedImage& image) {
   flipRows(image);
   const int w = image.width, h = image.height;
   const uint8_t* texels = image.rgba.data();
 
   unsigned int id = 0;
   kgl->GenTextures(1, &id);
-  if (id == 0) return true;  // no name from GL: nothing to register
+  if (id == 0) return {};
   kgl->BindTexture(GL_TEXTURE_2D, id);
   kgl->TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
   kgl->TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
@@ -46,7 +40,28 @@ bool CTextureMgr::addTexture(CString const& file) {
     kgl->TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, w, h, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels);
     kgl->GenerateMipmap(GL_TEXTURE_2D);
   }
-  m_textures[file] = TextureInfo{id, w, h};
+  return CTextureMgr::TextureInfo{id, w, h};
+}
+
+}  // namespace
+
+bool CTextureMgr::addTexture(CString const& file) {
+  if (exist(file)) return true;
+  // Every format comes out as straight RGBA: colour from every pixel depth,
+  // alpha from the file's own transparency, opaque otherwise.
+  kxplatform::DecodedImage image;
+  if (!kxplatform::decodeImageFile(file.str(), image)) return false;
+  const TextureInfo info = upload(image);
+  if (info.id) m_textures[file] = info;  // no name from GL: nothing to register
+  return true;
+}
+
+bool CTextureMgr::addTexture(CString const& name, const void* data, size_t size) {
+  if (exist(name)) return true;
+  kxplatform::DecodedImage image;
+  if (!data || !kxplatform::decodeImage(static_cast<const uint8_t*>(data), size, image)) return false;
+  const TextureInfo info = upload(image);
+  if (info.id) m_textures[name] = info;
   return true;
 }
 

@@ -67,6 +67,8 @@ bool runLine(Viewer& v, const std::string& line) {
     v.draw();
     v.draw();
     if (!v.screenshot(word)) std::printf("kxview: screenshot %s failed\n", word.c_str());
+  } else if (cmd == "drop" && in >> word) {
+    v.openModel(word);  // as the window's drop handler does; a file that fails is no script error
   } else if (cmd == "export" && in >> word >> x >> y) {
     v.exportPng(word, x, y);
   } else {

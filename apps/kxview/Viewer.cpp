@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 
 #include "kxrender/KxImage.h"
 #include "kxrender/KxModelImport.h"
@@ -30,7 +31,7 @@ void Viewer::close() {
   if (m_scene.getHRC()) m_scene.glRelease();
 }
 
-bool Viewer::load(const std::string& path) {
+bool Viewer::openModel(const std::string& path) {
   KxImportOptions options;
   int shown = -1;
   options.progress = [&](double f, const char* phase) {
@@ -46,22 +47,75 @@ bool Viewer::load(const std::string& path) {
     if (m_scene.getHRC() && percent % 5 == 0) draw();
     return true;
   };
+  m_scene.restoreHRC();  // textures go into the scene's context
+  options.textures = m_scene.getTextureMgrPtr();
+  CObjectSetMgr& set = *m_scene.getObjSetMgr();
+  std::vector<unsigned> old;
+  for (const auto& kv : set.objects()) old.push_back(kv.first);
   CString error;
   KxImportResult result;
-  const bool ok = KxImportModel(path.c_str(), *m_scene.getObjSetMgr(), error, options, &result);
+  const bool ok = KxImportModel(path.c_str(), set, error, options, &result);
   std::fprintf(stderr, "\n");
   m_loading = -1.0;
   if (!ok) {
     std::fprintf(stderr, "kxview: %s\n", error.GetString());
+    std::printf("kxview: cannot open %s\n", path.c_str());
+    std::fflush(stdout);
     return false;
   }
+  for (const CString& w : result.warnings) std::fprintf(stderr, "kxview: warning: %s\n", w.GetString());
+  // The new model replaces the old one, with its textures and selection.
+  set.delObject(old);
+  m_ground = 0;
+  m_selection.clear();
+  m_preselected = 0;
+  m_measured = 0;
+  for (const CString& name : m_textures)
+    if (std::find(result.textures.begin(), result.textures.end(), name) == result.textures.end())
+      m_scene.getTextureMgrPtr()->delTexture(name);
+  m_textures = result.textures;
+  setShadows(m_scene.isShadow());
   std::printf("kxview: %s: %zu objects, %zu triangles\n", path.c_str(), result.ids.size(), result.triangles);
+  std::fflush(stdout);
   // A view from the front right, above, with z up.
   const AcGeVector3d forward = AcGeVector3d(-1.0, 1.0, -0.8).normal();
   const AcGeVector3d z(0.0, 0.0, 1.0);
   m_scene.camera()->ReSet(AcGeVector3d(0, 0, 0), (z - forward * z.dotProduct(forward)).normal(), forward);
   m_scene.zoomE();
   return true;
+}
+
+void Viewer::setShadows(bool on) {
+  CObjectSetMgr& set = *m_scene.getObjSetMgr();
+  if (m_ground) set.delObject(m_ground);
+  m_ground = 0;
+  set.freshBox();
+  if (on && set.numObjs() > 0) {
+    // A ground just below the model, reaching as far as the shadows of the
+    // sun below go: at most 0.71 times the model's height.
+    AcGePoint3d lo, hi;
+    set.getBox(lo, hi);
+    const double reach = std::max({hi.x - lo.x, hi.y - lo.y, hi.z - lo.z}) * 0.75;
+    const double z = lo.z - 1e-3 * (reach + 1.0);
+    CRenderShape plane;
+    plane.set({{lo.x - reach, lo.y - reach, z},
+               {hi.x + reach, lo.y - reach, z},
+               {hi.x + reach, hi.y + reach, z},
+               {lo.x - reach, hi.y + reach, z}},
+              {}, CRenderShape::kPgon, CColor(170, 170, 160, 255), AcGeVector3d(0, 0, 1));
+    auto* ground = new CRenderObject;
+    ground->addShape(plane);
+    ground->endAddShape();
+    m_ground = set.addObject(ground);
+    set.freshBox();  // shadow volumes reach as far as the set's box
+  }
+  for (const auto& kv : set.objects())
+    if (kv.second) kv.second->setGenerateShadow(on && kv.first != m_ground);
+  // From the upper left of the default view, so that shadows fall to the
+  // right, in sight.
+  const float sun[4] = {-1.0f, -1.0f, 2.0f, 0.0f};
+  m_scene.setLightpos(sun);
+  m_scene.setShadow(on);
 }
 
 CPoint Viewer::toScreen(int x, int y) const {
@@ -87,13 +141,15 @@ void Viewer::select(const std::vector<unsigned>& ids, bool add) {
     m_selection.clear();
   }
   for (unsigned id : ids)
-    if (std::find(m_selection.begin(), m_selection.end(), id) == m_selection.end()) m_selection.push_back(id);
+    if (id != m_ground && std::find(m_selection.begin(), m_selection.end(), id) == m_selection.end())
+      m_selection.push_back(id);
   for (unsigned id : m_selection)
     if (CRenderObject* o = m_scene.getObj(id)) o->highLight(true);
   printSelection();
 }
 
 void Viewer::setPreselection(unsigned id) {
+  if (id == m_ground) id = 0;
   if (id == m_preselected) return;
   if (CRenderObject* o = m_scene.getObj(m_preselected)) o->hit(false);
   m_preselected = id;
@@ -173,7 +229,7 @@ void Viewer::onKey(int key) {
       m_scene.setRenderMode(static_cast<CRenderObject::RenderMode>(mode));
       break;
     }
-    case 's': m_scene.setShadow(!m_scene.isShadow()); break;
+    case 's': setShadows(!m_scene.isShadow()); break;
     case 't': m_scene.setTransparent(m_scene.getTransparent() == 255 ? 128 : 255); break;
     case 'i': m_panel = !m_panel; break;
     case 'x': {
@@ -271,8 +327,29 @@ bool Viewer::exportPng(const std::string& path, int width, int height) {
     // objects (their display lists belong to the window's context).
     CSceneMgr copy;
     if (copy.initializeRender(offscreen, false, false)) {
-      for (const auto& kv : m_scene.getObjSetMgr()->objects())
-        if (kv.second) copy.getObjSetMgr()->addObject(new CRenderObject(*kv.second));
+      // Textures are names in a context too: file textures load again into
+      // the copy's manager; pictures embedded in the model are not kept
+      // apart from their texture, so those faces go plain.
+      std::map<unsigned, unsigned> textureIn;
+      for (const CString& name : m_textures) {
+        unsigned from = 0, to = 0;
+        if (m_scene.getTextureMgrPtr()->getTexture(name, from) && copy.getTextureMgrPtr()->addTexture(name) &&
+            copy.getTextureMgrPtr()->getTexture(name, to))
+          textureIn[from] = to;
+      }
+      for (const auto& kv : m_scene.getObjSetMgr()->objects()) {
+        if (!kv.second) continue;
+        auto* o = new CRenderObject(*kv.second);
+        for (CRenderShape& s : o->getShps()) {
+          if (!s.hasTexture()) continue;
+          const auto it = textureIn.find(s.getTexture());
+          if (it == textureIn.end())
+            s.clearTexture();
+          else
+            s.setTexture(it->second);
+        }
+        copy.getObjSetMgr()->addObject(o);
+      }
       copy.getObjSetMgr()->freshBox();
       *copy.camera() = *m_scene.camera();
       copy.setRange(m_scene.dRange());

@@ -14,9 +14,10 @@ class Viewer {
   // Binds the scene to the window; false when no context can be made.
   bool open(HWND window, void* display, unsigned long xWindow);
   void close();
-  // Imports the model (progress bar on the terminal); false with a
-  // message on stderr.
-  bool load(const std::string& path);
+  // Opens a model file, from the command line or dropped on the window:
+  // the model replaces the one shown only when it reads (progress bar on
+  // the terminal); false with a message on stderr.
+  bool openModel(const std::string& path);
 
   void onMove(int x, int y);
   void onButton(Button b, bool down, int x, int y, bool shift, bool ctrl, bool doubleClick);
@@ -35,6 +36,10 @@ class Viewer {
   bool measuring() const { return m_measuring; }
   CSceneMgr& scene() { return m_scene; }
   bool wantsQuit() const { return m_quit; }
+  // Shadows need something to fall on: a ground under the model, which is
+  // not part of it (never picked or selected).
+  void setShadows(bool on);
+  unsigned ground() const { return m_ground; }
 
  private:
   void select(const std::vector<unsigned>& ids, bool add);
@@ -56,6 +61,8 @@ class Viewer {
   void* m_display = nullptr;
   unsigned long m_xWindow = 0;
   std::vector<unsigned> m_selection;
+  std::vector<CString> m_textures;  // the model's, in the scene's texture manager
+  unsigned m_ground = 0;
   unsigned m_preselected = 0;
   // Drag state.
   int m_buttonDown = -1;

@@ -61,16 +61,9 @@ void bindInput(GLFWwindow* window) {
     if (key >= GLFW_KEY_A && key <= GLFW_KEY_Z) viewerOf(w)->onKey('a' + (key - GLFW_KEY_A));
   });
   glfwSetFramebufferSizeCallback(window, [](GLFWwindow* w, int, int) { viewerOf(w)->onResize(); });
+  // A dropped file opens as one named on the command line would.
   glfwSetDropCallback(window, [](GLFWwindow* w, int count, const char** paths) {
-    if (count < 1) return;
-    Viewer* v = viewerOf(w);
-    // The set is replaced only when the new file reads.
-    CObjectSetMgr* set = v->scene().getObjSetMgr();
-    std::vector<unsigned> old;
-    for (const auto& kv : set->objects()) old.push_back(kv.first);
-    const size_t before = set->numObjs();
-    if (v->load(paths[0]) && set->numObjs() > before) set->delObject(old);
-    set->freshBox();
+    if (count > 0) viewerOf(w)->openModel(paths[0]);
   });
 }
 
@@ -117,7 +110,7 @@ int main(int argc, char** argv) {
     if (!hwnd || !viewer.open(hwnd, display, xWindow)) {
       std::fprintf(stderr, "kxview: cannot make a rendering context on the window\n");
       rc = 1;
-    } else if (!model.empty() && !viewer.load(model)) {
+    } else if (!model.empty() && !viewer.openModel(model)) {
       rc = 1;
     } else if (!script.empty()) {
       // The script is the only input: a stray pointer must not preselect.

@@ -1,4 +1,5 @@
 #pragma once
+#include <cstddef>
 #include <map>
 
 #include "kxrender/CString.h"
@@ -23,6 +24,10 @@ class KXRENDER_API CTextureMgr {
   /// be read or decoded. When GL gives no texture name the call is still
   /// true but registers nothing (exist() tells).
   bool addTexture(CString const& file);
+  /// The same for an image held in memory (the bytes of a file in one of
+  /// those formats, only read during the call), registered under name:
+  /// models carry pictures inside them.
+  bool addTexture(CString const& name, const void* data, size_t size);
   /// The GL texture name of a registered file into id (owned by the
   /// manager: do not delete it); false, id untouched, for an unknown file.
   bool getTexture(CString const& file, unsigned int& id);

@@ -8,8 +8,14 @@
 // shape tags (xdata); an IFC product is one object tagged "IfcClass",
 // "GlobalId", "Name" and "Storey".
 //
-// Failures name the file and the problem, and leave the object set as it
-// was: objects reach the set only when the whole file has been read.
+// Failures name the file and the problem, and leave the object set (and the
+// texture manager) as it was: objects reach the set only when the whole
+// file has been read. A texture that cannot be had is no failure: its faces
+// are drawn in the material's colour and the result carries a warning.
+//
+// Memory: assimp's copy of a mesh is freed as soon as the objects using it
+// are built, so that a large file never holds two copies of its geometry
+// beside the engine's own.
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -17,6 +23,7 @@
 
 #include "kxrender/CObjectSetMgr.h"
 #include "kxrender/CString.h"
+#include "kxrender/CTextureMgr.h"
 #include "kxrender/Export.h"
 
 /// How KxImportModel() and KxImportModelFromMemory() build objects.
@@ -37,6 +44,11 @@ struct KxImportOptions {
   /// Called with the fraction done (0 to 1) and the phase ("reading",
   /// "building"); returning false cancels the import. May be empty.
   std::function<bool(double fraction, const char* phase)> progress;
+  /// The scene's texture manager, its GL context current during the call.
+  /// When set, the materials' diffuse textures (files beside the model, or
+  /// pictures embedded in it) are registered there and the face meshes get
+  /// texture coordinates and the texture. Null: no textures.
+  CTextureMgr* textures = nullptr;
 };
 
 /// What an import added; filled only when it succeeds.
@@ -44,6 +56,12 @@ struct KxImportResult {
   std::vector<unsigned> ids;  ///< Ids of the objects added, in file order.
   size_t triangles = 0;       ///< Triangles in all the added face meshes.
   size_t hitLines = 0;        ///< Hit line polylines in all the added shapes.
+  /// Texture manager names of the textures the added shapes use, so that
+  /// a host can delete them with the model.
+  std::vector<CString> textures;
+  /// Problems that did not stop the import, each "<path>: <problem>"
+  /// (a texture file not found, a picture that cannot be read).
+  std::vector<CString> warnings;
 };
 
 /// Reads the file and adds its objects to the set (then refreshes the set's

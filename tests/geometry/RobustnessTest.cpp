@@ -161,6 +161,16 @@ TEST(RobustnessTest, HugeCoordinatesStillWork) {
   EXPECT_NEAR(e.distanceTo(far + AcGeVector3d(3000, 0, 0)), 1000.0, 1e-3);
 }
 
+// Far from zero a turn is below the angles' precision: the sweep still lies
+// within one turn (1.5e109 once gave a sweep of -2e93).
+TEST(RobustnessTest, ArcAnglesFarFromZeroSweepWithinATurn) {
+  for (double start : {1e17, 1.5e109, 1e300, -1e300}) {
+    AcGeCircArc3d arc(AcGePoint3d(), AcGeVector3d::kZAxis, AcGeVector3d::kXAxis, 1.0, start, 0.0);
+    EXPECT_GE(arc.endAng() - arc.startAng(), 0.0) << start;
+    EXPECT_LE(arc.endAng() - arc.startAng(), 2.0 * M_PI) << start;
+  }
+}
+
 TEST(RobustnessTest, ValueTypesAndPlanes) {
   for (const AcGeVector3d& v : badVectors()) {
     AcGeVector3d n = v.normal();
@@ -211,7 +221,6 @@ TEST(RobustnessTest, UtilitiesRefuseBadInput) {
     U::polyClockWise({p, AcGePoint3d(1, 0, 0), AcGePoint3d(0, 1, 0)});
     std::vector<AcGePoint3d> loop = {p, AcGePoint3d(1, 0, 0), AcGePoint3d(0, 1, 0)};
     U::cvtClock(loop, AcGeVector3d(kNaN, 0, 0), true);
-    EXPECT_TRUE(std::isnan(p.x) || std::isinf(p.y) || std::isinf(p.z));
     U::getAngle(p, AcGePoint3d());
     EXPECT_FALSE(U::sphereInFrustum(std::vector<std::vector<double>>(5, {1, 0, 0, 0}), AcGePoint3d(-kInf, 0, 0), 1.0));
   }

@@ -92,9 +92,11 @@ TEST_F(SceneFileErrors, EditsThatBreakTheFileLeaveTheSceneAlone) {
 
 TEST_F(SceneFileErrors, FilesThatCannotBeReadLeaveTheSceneAlone) {
   EXPECT_EQ(readErrorOfFile(dir.file("absent.json")), "cannot open: No such file or directory");
-  CString error;
-  EXPECT_FALSE(KxReadSceneFile(nullptr, scene, error));
-  EXPECT_EQ(error, "no scene file named");
+  for (bool write : {false, true}) {
+    CString error;
+    EXPECT_FALSE(write ? KxWriteSceneFile(nullptr, scene, error) : KxReadSceneFile(nullptr, scene, error));
+    EXPECT_EQ(error, "no scene file named");
+  }
   expectUntouched();
 }
 

@@ -42,13 +42,7 @@ TEST(X11Window, AttachDrawAndSwap) {
   HGLRC ctx = wglCreateContext(dc);
   ASSERT_TRUE(ctx);
   ASSERT_TRUE(wglMakeCurrent(dc, ctx));
-  glClearColor(0, 1, 0, 1);
-  glClear(GL_COLOR_BUFFER_BIT);
-  std::vector<uint8_t> px;
-  int w = 0, h = 0;
-  ASSERT_TRUE(KxReadWindowPixels(hwnd, px, w, h));  // the frame being drawn
-  EXPECT_EQ(px[1], 255);
-  EXPECT_TRUE(SwapBuffers(dc));
+  EXPECT_TRUE(SwapBuffers(dc));  // drawing and reading back: the reopened-display test
 
   // The size is known without asking the server on every frame ...
   const unsigned long request = XNextRequest(display);
@@ -102,7 +96,7 @@ TEST(X11Window, ReopenedDisplayDrawsAgain) {
     glClear(GL_COLOR_BUFFER_BIT);
     std::vector<uint8_t> px;
     int w = 0, h = 0;
-    ASSERT_TRUE(KxReadWindowPixels(hwnd, px, w, h));
+    ASSERT_TRUE(KxReadWindowPixels(hwnd, px, w, h));  // the frame being drawn
     EXPECT_EQ(px[2], 255) << "round " << round;
     EXPECT_TRUE(SwapBuffers(dc));
     wglDeleteContext(ctx);

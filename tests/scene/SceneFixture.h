@@ -6,14 +6,14 @@
 #include "kxrender/CSceneMgr.h"
 #include "platform/Win32Window.h"
 
-// A scene bound to an off-screen window of the given size, released and
-// destroyed at the end of the test.
+// A scene bound to an off-screen window of the given size (with the axis
+// tripod when asked), released and destroyed at the end of the test.
 class SceneFixture : public ::testing::Test {
  protected:
-  void open(int width, int height) {
+  void open(int width, int height, bool tripod = false) {
     window = KxCreateOffscreenWindow(width, height);
     ASSERT_TRUE(window);
-    ASSERT_TRUE(scene.initializeRender(window, false, false));
+    ASSERT_TRUE(scene.initializeRender(window, false, tripod));
   }
   void TearDown() override {
     if (scene.getHRC()) scene.glRelease();

@@ -15,6 +15,11 @@ inline CRenderObject* object(const Pts& pts, CRenderShape::ShapeType kind = CRen
   return o;
 }
 
+// The world rectangle (x0, y0)-(x1, y1) at height z as a polygon.
+inline CRenderObject* worldBox(double x0, double y0, double x1, double y1, double z = 0) {
+  return object({{x0, y0, z}, {x1, y0, z}, {x1, y1, z}, {x0, y1, z}}, CRenderShape::kPgon);
+}
+
 class TopViewFixture : public SceneFixture {
  protected:
   void SetUp() override {

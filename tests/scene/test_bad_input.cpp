@@ -16,7 +16,6 @@
 #include "SceneFixture.h"
 #include "kxrender/AcGeLine3d.h"
 #include "kxrender/CCamera.h"
-#include "kxrender/KxSceneFile.h"
 #include "kxrender/TextInfo.h"
 #include "objects/BjSnap.h"
 #include "objects/ObjectHelpers.h"
@@ -404,14 +403,6 @@ TEST_F(BadInput, ViewCallsWithHostileValues) {
   // A mode the engine does not know draws nothing; a known one draws again.
   scene.setRenderMode(CRenderObject::RenderMode(2));
   expectUsable("empty camera stack, null light, unknown mode", objects);
-}
-
-TEST_F(BadInput, SceneFilesWithNullNames) {
-  CString error;
-  EXPECT_FALSE(KxReadSceneFile(nullptr, scene, error));
-  EXPECT_FALSE(KxWriteSceneFile(nullptr, scene, error));
-  EXPECT_FALSE(KxReadSceneFile("/nonexistent/dir/scene.json", scene, error));
-  expectUsable("scene file names", objects);
 }
 
 }  // namespace

@@ -36,11 +36,10 @@ bool sameView(const CCamera& a, const CCamera& b) {
 bool near(const AcGeVector3d& got, const AcGeVector3d& want, double tol = 1e-9) { return (got - want).length() <= tol; }
 }  // namespace
 
-class Navigation : public SceneFixture {
+class Navigation : public TopViewFixture {
  protected:
   void SetUp() override {
-    open(800, 600);
-    scene.render();  // viewport, extents and matrices of the starting view
+    TopViewFixture::SetUp();  // viewport, extents and matrices of the starting view
     g_seen = Seen();
     scene.SetScene2ModelFunPtr(remember);
   }
@@ -243,9 +242,7 @@ TEST_F(Navigation, LimitedOrbitKeepsZUprightAndUsesTheFixedPivot) {
 class OverlayPixels : public SceneFixture {
  protected:
   void SetUp() override {
-    window = KxCreateOffscreenWindow(400, 300);
-    ASSERT_TRUE(window);
-    ASSERT_TRUE(scene.initializeRender(window, false, true));  // with the tripod
+    open(400, 300, true);
     scene.camera()->RotateCaremaRealWorldZ(-0.6, AcGePoint3d::kOrigin);
     scene.camera()->RotateCaremaRight(-0.9, AcGePoint3d::kOrigin);
   }

@@ -7,9 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "kxrender/CSceneMgr.h"
+#include "SceneFixture.h"
 #include "kxrender/KxTowerModel.h"
-#include "platform/Win32Window.h"
 
 TEST(DIBSection, RowsAndShrinking) {
   const struct {
@@ -78,12 +77,10 @@ std::vector<uint8_t> readPng(const std::string& path, unsigned& width, unsigned&
 }  // namespace
 
 // A small tower seen from a corner, roof highlighted, axis tripod on.
-class OffscreenScene : public ::testing::Test {
+class OffscreenScene : public SceneFixture {
  protected:
-  void open(int width, int height) {
-    window = KxCreateOffscreenWindow(width, height);
-    ASSERT_TRUE(window);
-    ASSERT_TRUE(scene.initializeRender(window, false, true));
+  void openTower(int width, int height) {
+    open(width, height, true);
     scene.setBkColor(0x503C28);
     KxBuildTower(*scene.getObjSetMgr(), 2, 2);
     scene.getObjSetMgr()->freshBox();
@@ -104,15 +101,12 @@ class OffscreenScene : public ::testing::Test {
   }
   void TearDown() override {
     scene.ClearDibData();
-    if (scene.getHRC()) scene.glRelease();
-    KxDestroyWindow(window);
+    SceneFixture::TearDown();
   }
-  HWND window = nullptr;
-  CSceneMgr scene;
 };
 
 TEST_F(OffscreenScene, BitmapIsLandscapeAndKeepsItsFirstSize) {
-  open(64, 48);
+  openTower(64, 48);
   scene.setDibSize(0, 10);
   EXPECT_FALSE(CSceneMgr::getDibPtr()->IsCreated());
   scene.setDibSize(600, 800);
@@ -129,7 +123,7 @@ TEST_F(OffscreenScene, BitmapIsLandscapeAndKeepsItsFirstSize) {
 }
 
 TEST_F(OffscreenScene, BitmapFrameMatchesTheWindowFrame) {
-  open(200, 120);
+  openTower(200, 120);
   const std::vector<uint8_t> before = windowFrame();
   scene.setDibSize(200, 120);
   scene.renderToDib();
@@ -177,7 +171,7 @@ std::vector<uint8_t> picture(CSceneMgr& scene, int w, int h, int tileW, int tile
 }  // namespace
 
 TEST_F(OffscreenScene, TiledPictureMatchesOnePiece) {
-  open(80, 60);
+  openTower(80, 60);
   windowFrame();
   const int W = 4000, H = 3000, TW = 1301, TH = 750;  // made 1280 x 736, the top band 56 rows
   const std::vector<uint8_t> whole = picture(scene, W, H, W, H);
@@ -219,7 +213,7 @@ TEST_F(OffscreenScene, TiledPictureMatchesOnePiece) {
 }
 
 TEST_F(OffscreenScene, ExportWritesPngOrNothing) {
-  open(80, 60);
+  openTower(80, 60);
   windowFrame();
   const std::string path = ::testing::TempDir() + "kx_export.png";
   ASSERT_TRUE(scene.renderToImageTiled(90, 70, path.c_str()));

@@ -8,12 +8,6 @@
 #include "objects/RenderObjectPick.h"
 #include "shapes/PickVolume.h"
 
-namespace {
-Pts square(double x0, double y0, double x1, double y1, double z = 0) {
-  return {{x0, y0, z}, {x1, y0, z}, {x1, y1, z}, {x0, y1, z}};
-}
-}  // namespace
-
 class ScenePick : public TopViewFixture {
  protected:
   unsigned add(CRenderObject* o) {
@@ -130,7 +124,7 @@ TEST_F(ScenePick, BadInputSelectsNothing) {
   std::vector<unsigned> ids{9};
   EXPECT_FALSE(scene.pick(CPoint(400, 300), id, shape, 0, nullptr, true));  // empty set
   EXPECT_FALSE(scene.pick(CPoint(0, 0), CPoint(800, 600), ids));
-  add(object(square(-500, -500, 500, 500), CRenderShape::kPgon));
+  add(worldBox(-500, -500, 500, 500));
   const CPoint outside[] = {{-1, 300}, {800, 300}, {400, 600}, {400, -40}};
   for (const CPoint& pt : outside) EXPECT_FALSE(scene.pick(pt, id, shape, 0, nullptr, true)) << pt.x << "," << pt.y;
   const CPoint rects[][2] = {{{10, 10}, {10, 200}},
@@ -154,7 +148,7 @@ TEST_F(ScenePick, BadInputSelectsNothing) {
 }
 
 TEST_F(ScenePick, SetHitAndHighLightOneShape) {
-  CRenderObject* o = object(square(0, 0, 1, 1), CRenderShape::kPgon);
+  CRenderObject* o = worldBox(0, 0, 1, 1);
   o->addShape(o->getShape(0));
   const unsigned id = add(o);
   scene.setHit(id, 1, true);
@@ -173,7 +167,7 @@ TEST_F(ScenePick, SearchTreeAgreesWithTestingEveryObject) {
   for (int i = 0; i < 3000; ++i) {
     const double x = u(rng), y = u(rng) * 0.75, w = size(rng), h = size(rng), d = z(rng);
     CRenderObject* o = i % 4 == 3 ? object({{x, y, d}, {x + w, y + h, d}}, CRenderShape::kPline)
-                                  : object(square(x, y, x + w, y + h, d), CRenderShape::kPgon);
+                                  : worldBox(x, y, x + w, y + h, d);
     if (i % 37 == 0) o->setVisible(false);
     if (i % 5 == 0) o->setRenderMode(CRenderObject::RenderMode(0));
     set().addObject(o);

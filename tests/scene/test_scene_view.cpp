@@ -3,7 +3,7 @@
 #include <cmath>
 #include <limits>
 
-#include "SceneFixture.h"
+#include "TopViewFixture.h"
 #include "support/GLRecorder.h"
 
 TEST(SceneProjection, RangeLimits) {
@@ -28,14 +28,11 @@ bool insideAll(const Planes& planes, const AcGePoint3d& q) {
 }
 }  // namespace
 
-class SceneConversion : public SceneFixture {
+// The default 800 x 600 view, drawn once so matrices and viewport are read back.
+class SceneConversion : public TopViewFixture {
  protected:
-  void SetUp() override {
-    open(800, 600);
-    scene.render();  // reads back matrices and viewport
-  }
   // The point at `depth` between the near and far ends of the ray under (x, y).
-  AcGePoint3d at(int x, int y, double depth) {
+  AcGePoint3d onRay(int x, int y, double depth) {
     AcGePoint3d nearPt, farPt;
     scene.getPointOfIntersectionThatEyeToNearFarFrustumPlane(CPoint(x, y), nearPt, farPt);
     return nearPt + (farPt - nearPt) * depth;
@@ -117,13 +114,13 @@ TEST_F(SceneConversion, RectangleGivesFiveInwardPlanesInFrustumOrderForAnyCorner
   // edge is outside that plane only.
   const CPoint past[] = {{710, 175}, {490, 175}, {600, 260}, {600, 90}};
   for (size_t p = 0; p < 4; ++p) {
-    EXPECT_LT(side(planes[p], at(past[p].x, past[p].y, 0.5)), 0.0) << p;
-    EXPECT_GT(side(planes[p], at(600, 175, 0.5)), 0.0) << p;
+    EXPECT_LT(side(planes[p], onRay(past[p].x, past[p].y, 0.5)), 0.0) << p;
+    EXPECT_GT(side(planes[p], onRay(600, 175, 0.5)), 0.0) << p;
     EXPECT_NEAR(std::sqrt(planes[p][0] * planes[p][0] + planes[p][1] * planes[p][1] + planes[p][2] * planes[p][2]), 1.0, 1e-9);
   }
   // The near plane is the view's own: just inside it counts, just outside not.
-  EXPECT_TRUE(insideAll(planes, at(600, 175, 1e-3)));
-  EXPECT_FALSE(insideAll(planes, at(600, 175, -1e-3)));
+  EXPECT_TRUE(insideAll(planes, onRay(600, 175, 1e-3)));
+  EXPECT_FALSE(insideAll(planes, onRay(600, 175, -1e-3)));
   EXPECT_NEAR(planes[4][2], scene.getFrustumPlanes()[4][2], 1e-6);
   const CPoint corners[][2] = {{{700, 250}, {500, 100}}, {{500, 250}, {700, 100}}, {{700, 100}, {500, 250}}};
   for (const auto& c : corners) {

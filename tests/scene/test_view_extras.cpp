@@ -5,10 +5,6 @@
 
 namespace {
 
-CRenderObject* box(double x0, double y0, double x1, double y1, double z) {
-  return object({{x0, y0, z}, {x1, y0, z}, {x1, y1, z}, {x0, y1, z}}, CRenderShape::kPgon);
-}
-
 struct View {
   AcGeVector3d loc, fwd, up;
   double range;
@@ -26,9 +22,9 @@ class ViewExtras : public TopViewFixture {};
 }  // namespace
 
 TEST_F(ViewExtras, ZoomToObjectsFramesTheirBoxes) {
-  const unsigned a = set().addObject(box(0, 0, 10, 5, 0));
-  const unsigned b = set().addObject(box(20, -5, 30, 0, 3));
-  set().addObject(box(100, 100, 110, 110, 0));
+  const unsigned a = set().addObject(worldBox(0, 0, 10, 5, 0));
+  const unsigned b = set().addObject(worldBox(20, -5, 30, 0, 3));
+  set().addObject(worldBox(100, 100, 110, 110, 0));
   set().freshBox();
   struct Row {
     double turn;  // about world z, then tilt: an oblique view
@@ -66,7 +62,7 @@ TEST_F(ViewExtras, ZoomToObjectsFramesTheirBoxes) {
 }
 
 TEST_F(ViewExtras, CursorPivotIsThePickedPoint) {
-  set().addObject(box(-50, -50, 50, 50, 5));
+  set().addObject(worldBox(-50, -50, 50, 50, 5));
   set().freshBox();
   scene.zoomE();
   scene.render();

@@ -183,3 +183,47 @@ TEST_F(Kxview, DrawsPicksSelectsZoomsMeasuresAndExports) {
   EXPECT_EQ(w, 640);
   EXPECT_EQ(h, 360);
 }
+
+TEST_F(Kxview, ShadowsTransparencyAndDroppedFiles) {
+  std::ofstream(dir / "broken.obj") << "v 0 0 0\nv 1 0 0\nf 1 2 9\n";
+  std::ofstream(dir / "tower.obj") << "o Tower\nv 0 0 0\nv 1 0 0\nv 0 1 0\nv 0 0 4\nf 1 3 2\nf 1 2 4\nf 2 3 4\nf 3 1 4\n";
+  const std::string d = dir.string() + "/";
+  // The sun stands at the upper left: box 3's shadow falls on the ground
+  // to its right and back, none in front of it.
+  const std::vector<std::string> out =
+      run("locate 2\nproject 8.25 0.5 0\nproject 8.25 -0.3 0\nscreenshot " + d + "plain.png\nkey s\nscreenshot " + d +
+          "shadow.png\nkey s\nkey t\nscreenshot " + d + "clear.png\nkey t\ndrop " + d + "broken.obj\nscreenshot " + d +
+          "kept.png\ndrop " + d + "tower.obj\nscreenshot " + d + "dropped.png\n");
+  const std::vector<std::string> located = starting(out, "kxview: locate 2 ");
+  const std::vector<std::string> projected = starting(out, "kxview: project ");
+  ASSERT_EQ(located.size(), 1u);
+  ASSERT_EQ(projected.size(), 2u);
+  Rect b2;
+  ASSERT_EQ(std::sscanf(located[0].c_str(), "%d %d %d %d", &b2.l, &b2.t, &b2.r, &b2.b), 4);
+  CPointXY shade, lit;
+  ASSERT_EQ(std::sscanf(projected[0].c_str(), "%*g %*g %*g at %d %d", &shade.x, &shade.y), 2);
+  ASSERT_EQ(std::sscanf(projected[1].c_str(), "%*g %*g %*g at %d %d", &lit.x, &lit.y), 2);
+  std::map<std::string, std::vector<uint8_t>> shot;
+  int w = 0, h = 0;
+  for (const char* name : {"plain", "shadow", "clear", "kept", "dropped"})
+    ASSERT_TRUE(KxReadPng(d + name + ".png", shot[name], w, h)) << name;
+  auto px = [&](const char* name, int x, int y) {
+    const uint8_t* p = &shot[name][(size_t(y) * w + x) * 4];
+    return std::array<int, 3>{p[0], p[1], p[2]};
+  };
+  auto sum = [](const std::array<int, 3>& c) { return c[0] + c[1] + c[2]; };
+  // Shadows on: the ground shows, darker in the shadow than in the sun.
+  EXPECT_LT(sum(px("shadow", shade.x, shade.y)) * 4, sum(px("shadow", lit.x, lit.y)) * 3);
+  // Transparent: box 2's middle comes nearer the background colour.
+  const std::array<int, 3> background = {0x28, 0x3C, 0x50};
+  auto distance = [&](const std::array<int, 3>& c) {
+    return std::abs(c[0] - background[0]) + std::abs(c[1] - background[1]) + std::abs(c[2] - background[2]);
+  };
+  EXPECT_LT(distance(px("clear", b2.cx(), b2.cy())) * 3, distance(px("plain", b2.cx(), b2.cy())) * 2);
+  // A broken file dropped keeps the model and view; a good one replaces them.
+  EXPECT_EQ(starting(out, "kxview: cannot open ").size(), 1u);
+  EXPECT_EQ(changed(shot["plain"], shot["kept"], w, Rect{0, 0, w, h}), 0);
+  ASSERT_EQ(starting(out, "kxview: " + d + "tower.obj: ").size(), 1u);
+  EXPECT_EQ(starting(out, "kxview: " + d + "tower.obj: ")[0], "1 objects, 4 triangles");
+  EXPECT_GT(changed(shot["plain"], shot["dropped"], w, Rect{0, 0, w, h}), w * h / 20);
+}
