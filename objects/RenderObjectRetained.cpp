@@ -87,14 +87,6 @@ bool addShapeKey(KeyHash& k, const CRenderShape& s, bool cullBackFaces, const do
   return true;
 }
 
-// Objects that compile while a host builds a static object's list would
-// nest lists, which GL refuses.
-bool compilingOtherList() {
-  GLint index = 0;
-  kgl->GetIntegerv(GL_LIST_INDEX, &index);
-  return index != 0;
-}
-
 struct PointItem {
   CColor color;
   AcGePoint3d centre;
@@ -171,32 +163,43 @@ bool CRenderObject::drawRetained(std::vector<CRenderShape>& shapes, unsigned ins
     if (!addShapeKey(k, s, cullBackFaces, pixelsPerUnit, viewDirection)) return false;
   const uint64_t key = k.value();
 
+  if (kxretained::joinGroup(this, &shapes, instanced, key, cullBackFaces, pixelsPerUnit, viewDirection)) {
+    releaseRetainedList();
+    return true;
+  }
   if (m_retainedList != 0 && key == m_retainedKey) {
     kgl->CallList(m_retainedList);
     return true;
   }
-  if (compilingOtherList()) return false;
+  if (kxretained::compilingOtherList()) return false;
   releaseRetainedList();
   const GLuint list = kgl->GenLists(1);
   if (list == 0) return false;
   kgl->NewList(list, GL_COMPILE_AND_EXECUTE);
   {
     kxretained::LeanWriter w(m_renderMode, 255);
-    auto put = [&](const CRenderShape& s) {
-      if (s.getVisible() && !culled(s, cullBackFaces, viewDirection)) w.shape(s, pixelsPerUnit);
-    };
-    for (const CSimpleMatrix* m : m_smpMats) {
-      if (!m) continue;
-      w.pushMatrix(*m);
-      for (unsigned i = 0; i < instanced; ++i) put(shapes[i]);
-      w.popMatrix();
-    }
-    for (size_t i = instanced; i < shapes.size(); ++i) put(shapes[i]);
+    writeRetained(w, shapes, instanced, cullBackFaces, pixelsPerUnit, viewDirection);
   }
   kgl->EndList();
   m_retainedList = list;
   m_retainedKey = key;
   return true;
+}
+
+void CRenderObject::writeRetained(kxretained::LeanWriter& w, const std::vector<CRenderShape>& shapes,
+                                  unsigned instanced, bool cullBackFaces, const double* pixelsPerUnit,
+                                  const AcGeVector3d* viewDirection) const {
+  w.setMode(m_renderMode);
+  auto put = [&](const CRenderShape& s) {
+    if (s.getVisible() && !culled(s, cullBackFaces, viewDirection)) w.shape(s, pixelsPerUnit);
+  };
+  for (const CSimpleMatrix* m : m_smpMats) {
+    if (!m) continue;
+    w.pushMatrix(*m);
+    for (unsigned i = 0; i < instanced; ++i) put(shapes[i]);
+    w.popMatrix();
+  }
+  for (size_t i = instanced; i < shapes.size(); ++i) put(shapes[i]);
 }
 
 void CRenderObject::releaseRetainedList() {

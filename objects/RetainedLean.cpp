@@ -24,43 +24,46 @@ bool canWrite(const CRenderShape& s) {
          s.getShpType() != CRenderShape::kText;
 }
 
-void LeanWriter::begin(Prim p) {
-  if (m_prim == p) return;
-  end();
-  kgl->Begin(p == kTriangles ? GL_TRIANGLES : GL_LINES);
-  m_prim = p;
+void LeanWriter::select(bool lines, float a, float b, bool overlay) {
+  Bucket* c = m_current;
+  if (c && c->lines == lines && c->a == a && c->b == b && c->overlay == overlay) return;
+  for (Bucket& k : m_buckets)
+    if (k.lines == lines && k.a == a && k.b == b && k.overlay == overlay) {
+      m_current = &k;
+      return;
+    }
+  m_buckets.push_back({lines, a, b, overlay, {}});
+  m_current = &m_buckets.back();
 }
 
-void LeanWriter::end() {
-  if (m_prim == kNone) return;
-  kgl->End();
-  m_prim = kNone;
-}
+void LeanWriter::fillState(float factor, float units) { select(false, factor, units, false); }
 
-void LeanWriter::depthOverlay(bool on) {
-  if (m_overlay == on) return;
-  end();
-  kgl->DepthRange(on ? kOverlayNear : kPassNear, kFar);
-  m_overlay = on;
-}
+void LeanWriter::lineState(float width, bool overlay) { select(true, width, 0.0f, overlay); }
 
-void LeanWriter::fillState(float factor, float units) {
-  depthOverlay(false);
-  if (m_offsetKnown && factor == m_factor && units == m_units) return;
-  end();
-  kgl->PolygonOffset(factor, units);
-  m_offsetKnown = true;
-  m_factor = factor;
-  m_units = units;
-}
-
-void LeanWriter::lineState(float width, bool overlay) {
-  depthOverlay(overlay);
-  if (m_widthKnown && width == m_width) return;
-  end();
-  kgl->LineWidth(width);
-  m_widthKnown = true;
-  m_width = width;
+void LeanWriter::flush() {
+  for (const Bucket& k : m_buckets) {
+    if (k.vertices.empty()) continue;
+    if (k.lines) {
+      kgl->LineWidth(k.a);
+      if (k.overlay != m_overlaySent) kgl->DepthRange(k.overlay ? kOverlayNear : kPassNear, kFar);
+      m_overlaySent = k.overlay;
+    } else {
+      kgl->PolygonOffset(k.a, k.b);
+      if (m_overlaySent) kgl->DepthRange(kPassNear, kFar);
+      m_overlaySent = false;
+    }
+    kgl->Begin(k.lines ? GL_LINES : GL_TRIANGLES);
+    // Every vertex carries the full set, so the whole list keeps one
+    // vertex layout and Mesa never splits it for a format change.
+    for (const Vertex& v : k.vertices) {
+      kgl->Color4ub(v.c[0], v.c[1], v.c[2], v.c[3]);
+      kgl->Normal3f(v.n[0], v.n[1], v.n[2]);
+      kgl->Vertex3f(v.p[0], v.p[1], v.p[2]);
+    }
+    kgl->End();
+  }
+  m_buckets.clear();
+  m_current = nullptr;
 }
 
 void LeanWriter::colour(const CColor& c) {
@@ -71,15 +74,12 @@ void LeanWriter::colour(const CColor& c) {
 }
 
 void LeanWriter::vertex(float x, float y, float z) {
-  // Every vertex carries the full set, so the whole list keeps one vertex
-  // layout and Mesa never splits it for a format change.
-  kgl->Color4ub(m_rgba[0], m_rgba[1], m_rgba[2], m_rgba[3]);
-  kgl->Normal3f(m_normal[0], m_normal[1], m_normal[2]);
-  kgl->Vertex3f(x, y, z);
+  if (!m_current) return;
+  m_current->vertices.push_back(
+      {{x, y, z}, {m_normal[0], m_normal[1], m_normal[2]}, {m_rgba[0], m_rgba[1], m_rgba[2], m_rgba[3]}});
 }
 
 void LeanWriter::contourLines(const std::vector<AcGePoint3d>& c, float zLift) {
-  begin(kLines);
   for (size_t i = 1; i < c.size(); ++i) {
     vertex(static_cast<float>(c[i - 1].x), static_cast<float>(c[i - 1].y), static_cast<float>(c[i - 1].z + zLift));
     vertex(static_cast<float>(c[i].x), static_cast<float>(c[i].y), static_cast<float>(c[i].z + zLift));
@@ -90,7 +90,6 @@ void LeanWriter::polygonFill(const CRenderShape& s) {
   const std::vector<double>& v = s.getGlPts();
   const size_t count = v.size() / 3;
   fillState(s.getOffsetFactor(), s.getOffsetUnits());
-  begin(kTriangles);
   auto put = [&](uint16_t i) {
     vertex(static_cast<float>(v[3 * i]), static_cast<float>(v[3 * i + 1]), static_cast<float>(v[3 * i + 2]));
   };
@@ -120,7 +119,6 @@ void LeanWriter::face(const CRenderShape& s) {
   }
   // Fills keep the offset render() set for the face.
   fillState(s.getOffsetFactor(), s.getOffsetUnits());
-  begin(kTriangles);
   auto valid = [](int i, size_t size) { return i >= 0 && static_cast<size_t>(i) < size; };
   for (size_t t = 0; t + 3 <= idx.size(); t += 3) {
     bool ok = true;
@@ -177,19 +175,20 @@ void LeanWriter::shape(const CRenderShape& s, const double* viewScale) {
 }
 
 void LeanWriter::pushMatrix(const CSimpleMatrix& m) {
-  end();
+  flush();
   kgl->PushMatrix();
   m.MultOpenGLMatrix();
 }
 
 void LeanWriter::popMatrix() {
-  end();
+  flush();
   kgl->PopMatrix();
 }
 
 void LeanWriter::finish() {
-  end();
-  depthOverlay(false);
+  flush();
+  if (m_overlaySent) kgl->DepthRange(kPassNear, kFar);
+  m_overlaySent = false;
 }
 
 }  // namespace kxretained

@@ -1,14 +1,19 @@
 #pragma once
-// Writes what the shape drawers draw, for a display list, with as few GL
-// state changes as the picture allows. Mesa keeps the vertices between two
-// state changes in one buffer and replays them as one draw, so: state is
-// sent only when it changes (polygon offset, line width, the overlay depth
-// range), colour and normal go per vertex inside glBegin/glEnd, strips are
-// sent as triangles and contours as line segments, and consecutive
-// primitives of one kind share one glBegin/glEnd.
+// Writes what the shape drawers draw, for a display list, with as few draws
+// as the picture allows. Mesa replays the vertices between two state
+// changes as one draw, so vertices are gathered in buckets of equal state
+// (fills by polygon offset, lines by width and depth range) and each bucket
+// goes out as one glBegin/glEnd with colour and normal on every vertex:
+// strips as triangles, contours as line segments. With the depth test on
+// and nothing blended the picture does not depend on the order of the
+// buckets; inside a bucket the drawing order is kept, so equal depths
+// resolve as before.
 //
 // Shapes with selection feedback, dot lines, textures or text are not
 // written here (canWrite); the object then takes the per-shape path.
+#include <cstdint>
+#include <vector>
+
 #include "kxrender/CRenderShape.h"
 
 class CSimpleMatrix;
@@ -27,33 +32,45 @@ class LeanWriter {
   ~LeanWriter() { finish(); }
   LeanWriter(const LeanWriter&) = delete;
   LeanWriter& operator=(const LeanWriter&) = delete;
+  // Objects of one list may differ in mode.
+  void setMode(int mode) { m_mode = mode; }
 
   // One shape as CRenderShape::render would draw it in this mode.
   void shape(const CRenderShape& s, const double* viewScale);
+  // Matrices apply to what follows them only: the buckets are sent first.
   void pushMatrix(const CSimpleMatrix& m);
   void popMatrix();
-  // Ends the open primitive and restores the object pass's depth range.
+  // Sends the buckets and restores the object pass's depth range.
   void finish();
 
  private:
-  enum Prim { kNone, kTriangles, kLines };
+  struct Vertex {
+    float p[3];
+    float n[3];
+    unsigned char c[4];
+  };
+  struct Bucket {
+    bool lines;
+    float a, b;    // fills: offset factor and units; lines: width and 0
+    bool overlay;  // lines over the faces' depth range
+    std::vector<Vertex> vertices;
+  };
   void polygonFill(const CRenderShape& s);
   void contourLines(const std::vector<AcGePoint3d>& c, float zLift);
   void face(const CRenderShape& s);
-  // State setters: each ends the open primitive only when the value changes.
+  // Bucket selectors: the state the following vertices are drawn in.
   void fillState(float factor, float units);
   void lineState(float width, bool overlay);
-  void depthOverlay(bool on);
-  void begin(Prim p);
-  void end();
+  void select(bool lines, float a, float b, bool overlay);
+  void flush();
   void colour(const CColor& c);
   void vertex(float x, float y, float z);
 
   int m_mode;
   unsigned char m_alpha;
-  Prim m_prim = kNone;
-  bool m_offsetKnown = false, m_widthKnown = false, m_overlay = false;
-  float m_factor = 0, m_units = 0, m_width = 0;
+  std::vector<Bucket> m_buckets;  // in the order they were first used
+  Bucket* m_current = nullptr;
+  bool m_overlaySent = false;
   // Per-vertex attributes, as the current values the drawers would set.
   float m_normal[3] = {0, 0, 1};
   unsigned char m_rgba[4] = {255, 255, 255, 255};

@@ -21,6 +21,10 @@
 
 class CObjectSetMgr;
 class CRect;
+namespace kxretained {
+class GroupWriter;
+class LeanWriter;
+}  // namespace kxretained
 
 /// One drawable object of the host's model: its shapes (owned, by value), an
 /// optional level-of-detail ladder, instance matrices, snap data and grips.
@@ -337,6 +341,7 @@ class KXRENDER_API CRenderObject {
 
  private:
   friend class CObjectSetMgr;
+  friend class kxretained::GroupWriter;
   void copyFrom(const CRenderObject& o);
   /// Hands the display lists of shapes about to be dropped to the scene.
   void releaseShapeLists(std::vector<CRenderShape>::iterator first, std::vector<CRenderShape>::iterator last);
@@ -357,6 +362,9 @@ class KXRENDER_API CRenderObject {
                     const double* pixelsPerUnit, const AcGeVector3d* viewDirection, bool isLod);
   // Hands the retained list to the scene's deletion queue.
   void releaseRetainedList();
+  // Writes the visible, unculled shapes as the lean list writer draws them.
+  void writeRetained(kxretained::LeanWriter& w, const std::vector<CRenderShape>& shapes, unsigned instanced,
+                     bool cullBackFaces, const double* pixelsPerUnit, const AcGeVector3d* viewDirection) const;
 
   std::vector<CRenderShape> m_shapes;
   unsigned m_id = 0;
