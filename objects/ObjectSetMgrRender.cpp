@@ -25,6 +25,12 @@ void CObjectSetMgr::setRenderMode(CRenderObject::RenderMode mode) {
     if (kv.second) kv.second->setRenderMode(mode);
 }
 
+size_t CObjectSetMgr::retainedGroupLists() const {
+  size_t n = 0;
+  for (const GroupList& g : m_groupLists) n += g.list != 0;
+  return n;
+}
+
 void CObjectSetMgr::releaseGroupLists() {
   for (GroupList& g : m_groupLists)
     if (g.list && m_scene) m_scene->addRemovedDispList(g.list);

@@ -24,16 +24,42 @@ bool canWrite(const CRenderShape& s) {
          s.getShpType() != CRenderShape::kText;
 }
 
+namespace {
+thread_local const void* t_storageOwner = nullptr;  // the writer using the thread's buckets
+}
+
+LeanWriter::LeanWriter(int mode, unsigned char alpha) : m_mode(mode), m_alpha(alpha), m_buckets(&m_own) {
+  thread_local std::vector<Bucket> storage;
+  if (!t_storageOwner) {
+    t_storageOwner = this;
+    m_buckets = &storage;
+  }
+}
+
+LeanWriter::~LeanWriter() {
+  finish();
+  if (t_storageOwner == this) t_storageOwner = nullptr;
+}
+
 void LeanWriter::select(bool lines, float a, float b, bool overlay) {
   Bucket* c = m_current;
   if (c && c->lines == lines && c->a == a && c->b == b && c->overlay == overlay) return;
-  for (Bucket& k : m_buckets)
+  std::vector<Bucket>& all = *m_buckets;
+  for (size_t i = 0; i < m_used; ++i) {
+    Bucket& k = all[i];
     if (k.lines == lines && k.a == a && k.b == b && k.overlay == overlay) {
       m_current = &k;
       return;
     }
-  m_buckets.push_back({lines, a, b, overlay, {}});
-  m_current = &m_buckets.back();
+  }
+  if (m_used == all.size()) all.emplace_back();
+  Bucket& k = all[m_used++];
+  k.lines = lines;
+  k.a = a;
+  k.b = b;
+  k.overlay = overlay;
+  k.vertices.clear();
+  m_current = &k;
 }
 
 void LeanWriter::fillState(float factor, float units) { select(false, factor, units, false); }
@@ -41,7 +67,8 @@ void LeanWriter::fillState(float factor, float units) { select(false, factor, un
 void LeanWriter::lineState(float width, bool overlay) { select(true, width, 0.0f, overlay); }
 
 void LeanWriter::flush() {
-  for (const Bucket& k : m_buckets) {
+  for (size_t i = 0; i < m_used; ++i) {
+    Bucket& k = (*m_buckets)[i];
     if (k.vertices.empty()) continue;
     if (k.lines) {
       kgl->LineWidth(k.a);
@@ -61,8 +88,9 @@ void LeanWriter::flush() {
       kgl->Vertex3f(v.p[0], v.p[1], v.p[2]);
     }
     kgl->End();
+    k.vertices.clear();
   }
-  m_buckets.clear();
+  m_used = 0;
   m_current = nullptr;
 }
 

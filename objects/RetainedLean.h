@@ -28,8 +28,8 @@ class LeanWriter {
  public:
   // mode: the object's render mode; alpha: the scene alpha (the writer is
   // used for opaque frames only, where it is 255).
-  LeanWriter(int mode, unsigned char alpha) : m_mode(mode), m_alpha(alpha) {}
-  ~LeanWriter() { finish(); }
+  LeanWriter(int mode, unsigned char alpha);
+  ~LeanWriter();
   LeanWriter(const LeanWriter&) = delete;
   LeanWriter& operator=(const LeanWriter&) = delete;
   // Objects of one list may differ in mode.
@@ -68,7 +68,12 @@ class LeanWriter {
 
   int m_mode;
   unsigned char m_alpha;
-  std::vector<Bucket> m_buckets;  // in the order they were first used
+  // The buckets in the order they were first used; those past m_used are
+  // spare, keeping their capacity. The storage is kept per thread, so
+  // compiling lists does not allocate once it has grown.
+  std::vector<Bucket>* m_buckets;
+  std::vector<Bucket> m_own;  // when another writer holds the thread's storage
+  size_t m_used = 0;
   Bucket* m_current = nullptr;
   bool m_overlaySent = false;
   // Per-vertex attributes, as the current values the drawers would set.

@@ -155,6 +155,8 @@ class KXRENDER_API CObjectSetMgr {
   static void sortForTransparent(std::vector<CRenderObject*>& objs);  ///< Orders objects back to front from the current camera for blending.
   /// Drops every object's display lists (the context is going away).
   void releaseDispList();
+  /// Display lists the retained path holds for groups of neighbouring objects.
+  size_t retainedGroupLists() const;
   /// Shapes drawn as dashed outlines after all objects; filled during a frame.
   void addOutlineShape(const CRenderShape* s) { m_outlineShapes.push_back(s); }
   const std::vector<const CRenderShape*>& outlineShapes() const { return m_outlineShapes; }  ///< The shapes queued for dashed outlines in this frame (not owned).
