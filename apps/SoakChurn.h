@@ -83,11 +83,14 @@ class KxSoakChurn {
     f.statics = set().staticObjects().size();
     f.queued = m_queued;
     std::set<unsigned> owned;
-    for (const auto& kv : set().objects())
+    for (const auto& kv : set().objects()) {
+      if (kv.second->getRetainedList()) owned.insert(kv.second->getRetainedList());
       for (const CRenderShape& s : kv.second->getShps())
         if (s.getFaceDisplayList()) owned.insert(s.getFaceDisplayList());
+    }
     for (const CStaticObject* s : set().staticObjects()) owned.insert(s->getRenderList());
-    f.listsOwned = owned.size();
+    // Lists shared by groups of neighbouring objects are counted, not named.
+    f.listsOwned = owned.size() + set().retainedGroupLists();
     // Names are handed out from the lowest free one, so live lists lie
     // below a bound of a few times those in use.
     const GLuint bound = GLuint(4 * (owned.empty() ? 0 : *owned.rbegin()) + 4096);

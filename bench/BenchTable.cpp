@@ -40,13 +40,15 @@ void printMemoryRow(FILE* out, const char* label, const std::map<std::string, do
 }  // namespace
 
 void BenchTable::print(FILE* out) const {
-  static const char* const frames[] = {kFirstFrame,       kSteadyFrame,      kAccelerateFrame,  kZoomedFrame,
-                                       kZoomedModelFrame, kShadowFirstFrame, kShadowSteadyFrame};
-  static const char* const rows[] = {kBuild,          kFirstFrame,   kSteadyFrame,      kAccelerateFrame,
-                                     kZoomedFrame,    kZoomedModelFrame, kPointPick,    kRectPick,
-                                     kPointPickFull,  kPointPickWorst, kSnapFull,       kSnapWorst,
-                                     kRectWindow,     kRectCrossing, kLimitArray,       kLimitList,
-                                     kShadowFirstFrame, kShadowSteadyFrame, kPoster};
+  static const char* const frames[] = {kFirstFrame,       kSteadyFrame,      kSteadyFrameOff,   kRecompileFrame,
+                                       kAccelerateFrame,  kZoomedFrame,      kZoomedModelFrame, kShadowFirstFrame,
+                                       kShadowSteadyFrame};
+  static const char* const rows[] = {kBuild,          kFirstFrame,       kSteadyFrame,    kSteadyFrameOff,
+                                     kRecompileFrame, kAccelerateFrame,  kZoomedFrame,    kZoomedModelFrame,
+                                     kPointPick,      kRectPick,         kPointPickFull,  kPointPickWorst,
+                                     kSnapFull,       kSnapWorst,        kRectWindow,     kRectCrossing,
+                                     kLimitArray,     kLimitList,        kShadowFirstFrame, kShadowSteadyFrame,
+                                     kPoster};
   std::vector<std::string> sizes;
   for (const auto& kv : m_ms)
     if (std::find(m_sizes.begin(), m_sizes.end(), kv.first) == m_sizes.end()) sizes.push_back(kv.first);

@@ -13,6 +13,8 @@ class BenchTable {
   static constexpr const char* kBuild = "model build";
   static constexpr const char* kFirstFrame = "first frame";
   static constexpr const char* kSteadyFrame = "steady frame";
+  static constexpr const char* kSteadyFrameOff = "steady frame, retained path off";
+  static constexpr const char* kRecompileFrame = "frame recompiling every object list";
   static constexpr const char* kAccelerateFrame = "steady frame, accelerate on";
   static constexpr const char* kZoomedFrame = "zoomed-in frame (1/10 of the view)";
   static constexpr const char* kZoomedModelFrame = "zoomed-in frame (1/10 of the model)";

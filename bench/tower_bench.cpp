@@ -184,6 +184,23 @@ void registerSize(const std::string& size, int storeys, int bays) {
   reg(BenchTable::kFirstFrame, 1, [](benchmark::State& state) { timed(state, [] { g_model->frame(); }); });
   reg(BenchTable::kSteadyFrame, 30, [](benchmark::State& state) { timed(state, [] { g_model->frame(); }); });
   if (labels) return;
+  reg(BenchTable::kSteadyFrameOff, 30, [](benchmark::State& state) {
+    g_model->scene->setRetainedDraw(false);
+    g_model->frame();
+    timed(state, [] { g_model->frame(); });
+    g_model->scene->setRetainedDraw(true);
+    g_model->frame();
+  });
+  reg(BenchTable::kRecompileFrame, 10, [](benchmark::State& state) {
+    // Modes 2 and 4 draw alike but key the lists apart: every frame drops
+    // and compiles (and executes) every object's list.
+    static int mode = 2;
+    timed(state, [] {
+      mode = 6 - mode;
+      g_model->scene->setRenderMode(CRenderObject::RenderMode(mode));
+      g_model->frame();
+    });
+  });
   reg(BenchTable::kAccelerateFrame, 30, [](benchmark::State& state) {
     g_model->scene->setAccelerate(true);
     g_model->frame();  // settle before timing

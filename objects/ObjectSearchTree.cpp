@@ -158,7 +158,8 @@ uint32_t CObjectSearchTree::build(uint32_t first, uint32_t count) const {
 }
 
 template <class Classify>
-void CObjectSearchTree::walk(Classify classifyBox, std::vector<CRenderObject*>& out) const {
+void CObjectSearchTree::walk(Classify classifyBox, std::vector<CRenderObject*>& out,
+                             std::vector<uint32_t>* slots) const {
   rebuildIfStale();
   if (!m_nodes.empty()) {
     uint32_t stack[64];
@@ -172,7 +173,9 @@ void CObjectSearchTree::walk(Classify classifyBox, std::vector<CRenderObject*>& 
       if (all || node.right == 0) {
         for (uint32_t i = node.first; i < node.first + node.count; ++i) {
           const Entry& e = m_entries[i];
-          if (e.obj && (all || classifyBox(e.box) != 0)) out.push_back(e.obj);
+          if (!e.obj || !(all || classifyBox(e.box) != 0)) continue;
+          out.push_back(e.obj);
+          if (slots) slots->push_back(i);
         }
         continue;
       }
@@ -182,7 +185,10 @@ void CObjectSearchTree::walk(Classify classifyBox, std::vector<CRenderObject*>& 
     }
   }
   for (const Entry& e : m_pending)
-    if (classifyBox(e.box) != 0) out.push_back(e.obj);
+    if (classifyBox(e.box) != 0) {
+      out.push_back(e.obj);
+      if (slots) slots->push_back(kNoSlot);
+    }
 }
 
 void CObjectSearchTree::queryXY(double x0, double y0, double x1, double y1, std::vector<CRenderObject*>& out) const {
@@ -197,6 +203,6 @@ void CObjectSearchTree::queryXY(double x0, double y0, double x1, double y1, std:
 }
 
 void CObjectSearchTree::queryPlanes(const std::vector<std::vector<double>>& planes,
-                                    std::vector<CRenderObject*>& out) const {
-  walk([&](const Box& b) { return classify(b, planes); }, out);
+                                    std::vector<CRenderObject*>& out, std::vector<uint32_t>* slots) const {
+  walk([&](const Box& b) { return classify(b, planes); }, out, slots);
 }

@@ -32,7 +32,15 @@ class CObjectSearchTree {
   void queryXY(double x0, double y0, double x1, double y1, std::vector<CRenderObject*>& out) const;
   // Objects whose boxes are not wholly outside one of the planes (a, b, c,
   // d; a point is inside when a*x + b*y + c*z + d >= 0); appended to out.
-  void queryPlanes(const std::vector<std::vector<double>>& planes, std::vector<CRenderObject*>& out) const;
+  // With slots, each object's place in the tree goes to slots alongside:
+  // places are fixed between rebuilds and neighbours lie close in space, so
+  // runs of them group objects independently of the view. Objects waiting
+  // outside the tree get kNoSlot.
+  void queryPlanes(const std::vector<std::vector<double>>& planes, std::vector<CRenderObject*>& out,
+                   std::vector<uint32_t>* slots = nullptr) const;
+  static constexpr uint32_t kNoSlot = 0xFFFFFFFFu;
+  // One past the last place a query can report.
+  size_t slotCount() const { return m_entries.size(); }
 
  private:
   struct Entry {
@@ -56,7 +64,7 @@ class CObjectSearchTree {
   uint32_t build(uint32_t first, uint32_t count) const;
   // classify(box): 0 outside, 1 partly inside, 2 wholly inside the query.
   template <class Classify>
-  void walk(Classify classify, std::vector<CRenderObject*>& out) const;
+  void walk(Classify classify, std::vector<CRenderObject*>& out, std::vector<uint32_t>* slots = nullptr) const;
 
   // Mutable: queries fold pending changes into the tree lazily.
   mutable std::vector<Entry> m_entries;

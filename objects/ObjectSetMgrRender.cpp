@@ -6,12 +6,17 @@
 
 #include "kxrender/CObjectSetMgr.h"
 #include "kxrender/CSceneMgr.h"
+#include "objects/ObjectSearchTree.h"
+#include "objects/RetainedDraw.h"
 #include "support/GLTable.h"
 
 namespace {
 // The numeric value of GL_DEPTH_RANGE, passed as an attribute mask; it is
 // what the rest of the engine pushes and pops everywhere.
 const GLbitfield kAttribMask = 0x0B70;
+// Tree places per shared retained list: large enough that a frame replays
+// few lists, small enough that an edit recompiles little.
+constexpr unsigned kGroupShift = 6;
 }  // namespace
 
 void CObjectSetMgr::setRenderMode(CRenderObject::RenderMode mode) {
@@ -20,9 +25,24 @@ void CObjectSetMgr::setRenderMode(CRenderObject::RenderMode mode) {
     if (kv.second) kv.second->setRenderMode(mode);
 }
 
+size_t CObjectSetMgr::retainedGroupLists() const {
+  size_t n = 0;
+  for (const GroupList& g : m_groupLists) n += g.list != 0;
+  return n;
+}
+
+void CObjectSetMgr::releaseGroupLists() {
+  for (GroupList& g : m_groupLists)
+    if (g.list && m_scene) m_scene->addRemovedDispList(g.list);
+  m_groupLists.clear();
+}
+
 void CObjectSetMgr::releaseDispList() {
+  // The context is going away with every list in it.
+  m_groupLists.clear();
   for (auto& kv : m_objects) {
     if (!kv.second) continue;
+    kv.second->releaseRetainedList();
     // Like the shapes' lists, the volume goes now, in the current context.
     const unsigned volume = kv.second->getShadowVolumeList();
     if (volume && kgl->IsList(volume)) kgl->DeleteLists(volume, 1);
@@ -125,13 +145,20 @@ void CObjectSetMgr::sortForTransparent(std::vector<CRenderObject*>& objs) {
 }
 
 void CObjectSetMgr::renderObjs(int mode) {
-  getObjsInFrustum(m_frameObjects);
+  m_frameSlots.clear();
+  const std::vector<std::vector<double>>* planes = m_scene ? &m_scene->getFrustumPlanes() : nullptr;
+  if (planes && planes->size() >= 5) {
+    m_frameObjects.clear();
+    m_searchTree->queryPlanes(*planes, m_frameObjects, &m_frameSlots);
+  } else {
+    getObjsInFrustum(m_frameObjects);
+  }
   if (!m_scene) return;
   kgl->EnableClientState(GL_VERTEX_ARRAY);
   const std::vector<unsigned>& partIds = m_scene->partTransIds();
   if (m_scene->getTransparent() == 255 || (m_scene->GetPartTrans() && partIds.empty())) {
     kgl->Disable(GL_BLEND);
-    renderObjs(m_frameObjects, mode);
+    renderObjs(m_frameObjects, mode, &m_frameSlots);
   } else if (!m_scene->GetPartTrans()) {
     kgl->Enable(GL_BLEND);
     kgl->BlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
@@ -164,26 +191,55 @@ void CObjectSetMgr::renderObjs(int mode) {
   kgl->Disable(GL_BLEND);
 }
 
-void CObjectSetMgr::drawObjects(const std::vector<CRenderObject*>& objs) {
+void CObjectSetMgr::drawObjects(const std::vector<CRenderObject*>& objs, const std::vector<uint32_t>* slots) {
   const double pixelsPerUnit = m_scene->getPixelsPerUnit();
   const double unitsPerPixel = 1.0 / pixelsPerUnit;
   const AcGeVector3d viewDirection = -m_scene->camera()->GetVForward();
-  for (CRenderObject* o : objs)
-    if (o) o->render(true, &unitsPerPixel, &pixelsPerUnit, &viewDirection);
+  const kxretained::ObjectPassScope points(m_scene);
+  const bool grouped = slots && slots->size() == objs.size() && kxretained::inObjectPass();
+  constexpr uint32_t kNone = CObjectSearchTree::kNoSlot;
+  uint32_t open = kNone;
+  for (size_t i = 0; i < objs.size(); ++i) {
+    if (grouped) {
+      const uint32_t slot = (*slots)[i];
+      const uint32_t group = slot == kNone ? kNone : slot >> kGroupShift;
+      if (group != open) {
+        if (open != kNone) kxretained::closeGroup(m_scene);
+        open = group;
+        if (open != kNone) {
+          if (m_groupLists.size() <= open) m_groupLists.resize(open + 1);
+          kxretained::openGroup(&m_groupLists[open].list, &m_groupLists[open].key);
+        }
+      }
+    }
+    if (objs[i]) objs[i]->render(true, &unitsPerPixel, &pixelsPerUnit, &viewDirection);
+  }
+  if (open != kNone) kxretained::closeGroup(m_scene);
+  if (!grouped) return;
+  // A rebuilt, smaller tree leaves groups past its end.
+  const size_t groups = (m_searchTree->slotCount() >> kGroupShift) + 1;
+  while (m_groupLists.size() > groups) {
+    if (m_groupLists.back().list) m_scene->addRemovedDispList(m_groupLists.back().list);
+    m_groupLists.pop_back();
+  }
 }
 
 void CObjectSetMgr::renderObjs(const std::vector<CRenderObject*>& objs, int mode) {
+  renderObjs(objs, mode, nullptr);
+}
+
+void CObjectSetMgr::renderObjs(const std::vector<CRenderObject*>& objs, int mode, const std::vector<uint32_t>* slots) {
   if (!m_scene) return;
   kgl->PointSize(3.0f);
   if (mode == 0) {
-    drawObjects(objs);
+    drawObjects(objs, slots);
     return;
   }
   if (mode != 1) return;
   // Depth-fail stencil shadows: an unlit pass fills depth, the volumes
   // count into the stencil, and a lit pass draws where the count is 0.
   kgl->Disable(GL_LIGHT0);
-  drawObjects(objs);
+  drawObjects(objs, nullptr);
   kgl->Enable(GL_LIGHT0);
   kgl->ColorMask(0, 0, 0, 0);
   kgl->DepthMask(0);
@@ -206,7 +262,7 @@ void CObjectSetMgr::renderObjs(const std::vector<CRenderObject*>& objs, int mode
   kgl->Disable(GL_CULL_FACE);
   kgl->StencilFunc(GL_EQUAL, 0, ~0u);
   kgl->Enable(GL_LIGHT0);
-  drawObjects(objs);
+  drawObjects(objs, nullptr);
   kgl->DepthFunc(GL_LESS);
   kgl->Disable(GL_STENCIL_TEST);
 }

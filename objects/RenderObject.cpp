@@ -99,6 +99,7 @@ void CRenderObject::releaseShapeLists(std::vector<CRenderShape>::iterator first,
 }
 
 void CRenderObject::releaseAllShapeLists() {
+  releaseRetainedList();
   releaseShapeLists(m_shapes.begin(), m_shapes.end());
   for (std::vector<CRenderShape>& level : m_lodShps) releaseShapeLists(level.begin(), level.end());
 }

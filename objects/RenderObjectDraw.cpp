@@ -5,6 +5,7 @@
 #include "kxrender/CObjectSetMgr.h"
 #include "kxrender/CRenderObject.h"
 #include "kxrender/CSceneMgr.h"
+#include "objects/RetainedDraw.h"
 #include "objects/ShadowVolume.h"
 #include "support/GLTable.h"
 
@@ -21,6 +22,19 @@ void CRenderObject::drawShape(CRenderShape& s, bool cullBackFaces, const double*
     if (!(n.x * viewDirection->x + n.y * viewDirection->y + n.z * viewDirection->z > 0.0)) return;
   }
   s.render(m_renderMode, this, pixelsPerUnit, isLod);
+}
+
+void CRenderObject::drawShapes(std::vector<CRenderShape>& shapes, unsigned instanced, bool cullBackFaces,
+                               const double* pixelsPerUnit, const AcGeVector3d* viewDirection, bool isLod) {
+  for (const CSimpleMatrix* m : m_smpMats) {
+    if (!m) continue;
+    kgl->PushMatrix();
+    m->MultOpenGLMatrix();
+    for (unsigned i = 0; i < instanced; ++i) drawShape(shapes[i], cullBackFaces, pixelsPerUnit, viewDirection, isLod);
+    kgl->PopMatrix();
+  }
+  for (size_t i = instanced; i < shapes.size(); ++i)
+    drawShape(shapes[i], cullBackFaces, pixelsPerUnit, viewDirection, isLod);
 }
 
 void CRenderObject::render(bool cullBackFaces, const double* unitsPerPixel, const double* pixelsPerUnit,
@@ -43,6 +57,7 @@ void CRenderObject::render(bool cullBackFaces, const double* unitsPerPixel, cons
       // Too small to show any shape: a single point in the object colour,
       // or nothing when the scene is nearly see-through.
       if (scene && scene->getTransparent() < 30) return;
+      if (kxretained::queuePoint(m_color, m_ptCenter)) return;
       kgl->Normal3f(0.0f, 0.0f, 1.0f);
       kgl->PointSize(3.0f);
       kgl->PolygonOffset(0.0f, 0.0f);
@@ -70,23 +85,17 @@ void CRenderObject::render(bool cullBackFaces, const double* unitsPerPixel, cons
       }
     }
   }
-  const size_t count = shapes->size();
-  if (instanced > count) instanced = static_cast<unsigned>(count);
+  if (instanced > shapes->size()) instanced = static_cast<unsigned>(shapes->size());
 
   m_renderedFlag1 = m_renderedFlag2 = true;
-  if (m_trackerXor) {
-    kgl->Enable(GL_COLOR_LOGIC_OP);
-    kgl->LogicOp(GL_XOR);
+  if (!drawRetained(*shapes, instanced, cullBackFaces, pixelsPerUnit, viewDirection, isLod)) {
+    if (m_trackerXor) {
+      kgl->Enable(GL_COLOR_LOGIC_OP);
+      kgl->LogicOp(GL_XOR);
+    }
+    drawShapes(*shapes, instanced, cullBackFaces, pixelsPerUnit, viewDirection, isLod);
+    if (m_trackerXor) kgl->Disable(GL_COLOR_LOGIC_OP);
   }
-  for (const CSimpleMatrix* m : m_smpMats) {
-    if (!m) continue;
-    kgl->PushMatrix();
-    m->MultOpenGLMatrix();
-    for (unsigned i = 0; i < instanced; ++i) drawShape((*shapes)[i], cullBackFaces, pixelsPerUnit, viewDirection, isLod);
-    kgl->PopMatrix();
-  }
-  for (size_t i = instanced; i < count; ++i) drawShape((*shapes)[i], cullBackFaces, pixelsPerUnit, viewDirection, isLod);
-  if (m_trackerXor) kgl->Disable(GL_COLOR_LOGIC_OP);
 
   if (!m_shapes.empty() && m_shapes.front().getHit() && scene && scene->isDrawGrip()) {
     kgl->PointSize(11.0f);

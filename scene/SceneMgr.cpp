@@ -75,6 +75,7 @@ void CSceneMgr::copyFrom(const CSceneMgr& o) {
   m_bDrawCoordinate = o.m_bDrawCoordinate;
   m_bDrawGrip = o.m_bDrawGrip;
   m_bAccelerate = o.m_bAccelerate;
+  m_bRetainedDraw = o.m_bRetainedDraw;
   m_lastRenderTime = o.m_lastRenderTime;
   // Grip points are owned, so the copy gets its own.
   for (const GripPoint* g : o.m_gripPts) m_gripPts.push_back(new GripPoint(*g));

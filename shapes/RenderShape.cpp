@@ -1,5 +1,6 @@
 // Construction, copying, geometry setters, tags and polygon offsets of a
 // render shape.
+#include <atomic>
 #include <cmath>
 #include <utility>
 
@@ -16,6 +17,13 @@ void closeContour(std::vector<AcGePoint3d>& c) {
 }  // namespace
 
 CRenderShape::CRenderShape() = default;
+
+uint32_t CRenderShape::nextDrawStamp() {
+  // Drawing happens on one thread per context, but shapes may be built on
+  // others: keep the counter atomic.
+  static std::atomic<uint32_t> counter{0};
+  return ++counter;
+}
 
 CRenderShape::CRenderShape(const CRenderShape& other) {
   takeFields(other);
@@ -74,6 +82,7 @@ void CRenderShape::takeFields(S&& o) {
   m_offsetUnits = std::forward<S>(o).m_offsetUnits;
   m_zOffset = std::forward<S>(o).m_zOffset;
   m_dotLine = std::forward<S>(o).m_dotLine;
+  touchDrawStamp();
 }
 
 CRenderShape::CRenderShape(CRenderShape&& other) noexcept {
@@ -120,6 +129,7 @@ void CRenderShape::Init() {
 void CRenderShape::set(const std::vector<AcGePoint3d>& pts, const std::vector<std::vector<AcGePoint3d>>& holes,
                        ShapeType type, const CColor& clr, const AcGeVector3d& ucs, double offsetFactorScale,
                        double offsetUnitsScale, double zOffset) {
+  touchDrawStamp();
   // The caller may pass this shape's own lists back in.
   std::vector<std::vector<AcGePoint3d>> own;
   const std::vector<std::vector<AcGePoint3d>>* source = &holes;
@@ -174,6 +184,7 @@ void CRenderShape::set(const std::vector<AcGePoint3d>& pts, const std::vector<st
 }
 
 void CRenderShape::set(TextInfo* info, const CColor& clr, const AcGeVector3d& ucs, double, double, double) {
+  touchDrawStamp();
   if (!info) return;
   if (info != m_textInfo) {
     delete m_textInfo;
@@ -194,6 +205,7 @@ void CRenderShape::set(TextInfo* info, const CColor& clr, const AcGeVector3d& uc
 }
 
 void CRenderShape::setFaceType(bool noDepth) {
+  touchDrawStamp();
   m_type = kFace;
   if (noDepth) setXdata("nodepth", "0.1");
 }

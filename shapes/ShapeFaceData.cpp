@@ -25,18 +25,24 @@ std::vector<T>* duplicate(const std::vector<T>* v) {
 }  // namespace
 
 void CRenderShape::setFaceVertexArray(std::vector<AcGePoint3d>* v) {
+  touchDrawStamp();
   adopt(m_meshVertices, v, m_shareVertexData);
   m_faceBvh.reset();
 }
 
 void CRenderShape::setFaceTriangleIndexArray(std::vector<int>* v) {
+  touchDrawStamp();
   adopt(m_meshTriangleIndices, v, m_shareVertexData);
   m_faceBvh.reset();
 }
 
-void CRenderShape::setFaceNormalArray(std::vector<AcGeVector3d>* v) { adopt(m_meshNormals, v, m_shareVertexData); }
+void CRenderShape::setFaceNormalArray(std::vector<AcGeVector3d>* v) {
+  touchDrawStamp();
+  adopt(m_meshNormals, v, m_shareVertexData);
+}
 
 void CRenderShape::setFaceTexCoordArray(std::vector<AcGePoint2d>* v) {
+  touchDrawStamp();
   adopt(m_meshTexCoords, v, m_shareVertexData);
 }
 

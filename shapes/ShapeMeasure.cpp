@@ -51,6 +51,7 @@ void CRenderShape::calArea() {
 // vertices count; a text has none either, so the rectangle it is estimated
 // to cover counts. Without points the box is the origin.
 void CRenderShape::calBox() {
+  touchDrawStamp();
   m_boxMin = m_boxMax = AcGePoint3d::kOrigin;
   AcGeBoundBlock3d box;
   bool broken = false;

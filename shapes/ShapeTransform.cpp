@@ -11,6 +11,7 @@
 // included, so nothing has to be cut again. The face display list is left
 // to the caller to release.
 void CRenderShape::transformBy(const AcGeMatrix3d& m) {
+  touchDrawStamp();
   m_ucs.transformBy(m).normalize();
   for (AcGePoint3d& p : m_pts) p.transformBy(m);
   for (auto& h : m_holes)
@@ -49,6 +50,7 @@ void CRenderShape::transformBy(const AcGeMatrix3d& m) {
 // Moves every vertex along its own normal; with unit normals the surface is
 // offset by exactly d. The normals are used as they are.
 void CRenderShape::offsetFaceVertex(double d) {
+  touchDrawStamp();
   if (!m_meshVertices || !m_meshNormals) return;
   std::vector<AcGePoint3d>& v = *m_meshVertices;
   const std::vector<AcGeVector3d>& n = *m_meshNormals;
@@ -62,6 +64,7 @@ void CRenderShape::offsetFaceVertex(double d) {
 // coordinate of the first contour point at its place; a vertex made where
 // contours cross, or one whose point has no entry in uv, gets (0, 0).
 void CRenderShape::setTextureCoord(std::vector<AcGePoint2d> uv) {
+  touchDrawStamp();
   m_texCoords.clear();
   if (m_pts.empty()) return;
   AcGeMatrix3d toPlane;

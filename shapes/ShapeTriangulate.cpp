@@ -84,6 +84,7 @@ bool crossingsBounded(const std::vector<AcGePoint3d>& pts, const std::vector<std
 }  // namespace
 
 void CRenderShape::divTringle() {
+  touchDrawStamp();
   m_glPts.clear();
   m_strips.clear();
   m_texCoords.clear();  // they belonged to the old vertices

@@ -155,6 +155,8 @@ class KXRENDER_API CObjectSetMgr {
   static void sortForTransparent(std::vector<CRenderObject*>& objs);  ///< Orders objects back to front from the current camera for blending.
   /// Drops every object's display lists (the context is going away).
   void releaseDispList();
+  /// Display lists the retained path holds for groups of neighbouring objects.
+  size_t retainedGroupLists() const;
   /// Shapes drawn as dashed outlines after all objects; filled during a frame.
   void addOutlineShape(const CRenderShape* s) { m_outlineShapes.push_back(s); }
   const std::vector<const CRenderShape*>& outlineShapes() const { return m_outlineShapes; }  ///< The shapes queued for dashed outlines in this frame (not owned).
@@ -164,7 +166,12 @@ class KXRENDER_API CObjectSetMgr {
 
  private:
   void renderOutlines();
-  void drawObjects(const std::vector<CRenderObject*>& objs);
+  // slots: the objects' places in the search tree (see CObjectSearchTree::queryPlanes);
+  // with them, neighbours share retained lists.
+  void drawObjects(const std::vector<CRenderObject*>& objs, const std::vector<uint32_t>* slots);
+  void renderObjs(const std::vector<CRenderObject*>& objs, int mode, const std::vector<uint32_t>* slots);
+  // Hands the retained lists of groups of neighbours to the scene's deletion queue.
+  void releaseGroupLists();
 
   std::map<unsigned, CRenderObject*> m_objects;
   unsigned m_nextId = 1;
@@ -180,6 +187,13 @@ class KXRENDER_API CObjectSetMgr {
   std::unique_ptr<CBjSnap> m_snapIndex;
   std::vector<const CRenderShape*> m_outlineShapes;
   std::vector<CRenderObject*> m_frameObjects;  ///< kept between frames: no per-frame allocation
+  std::vector<uint32_t> m_frameSlots;          ///< their places in the search tree
+  /// The retained list of each group of tree neighbours, and what it was compiled from.
+  struct GroupList {
+    unsigned list = 0;
+    uint64_t key = 0;
+  };
+  std::vector<GroupList> m_groupLists;
   std::vector<CRenderObject*> m_transparentObjects;
   std::vector<CRenderObject*> m_listedObjects;  ///< the same, sorted by address
   /// Taken ids tried in a row before giving up; tests lower it.

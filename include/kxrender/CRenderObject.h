@@ -21,6 +21,10 @@
 
 class CObjectSetMgr;
 class CRect;
+namespace kxretained {
+class GroupWriter;
+class LeanWriter;
+}  // namespace kxretained
 
 /// One drawable object of the host's model: its shapes (owned, by value), an
 /// optional level-of-detail ladder, instance matrices, snap data and grips.
@@ -239,6 +243,8 @@ class KXRENDER_API CRenderObject {
   /// of detail, single point when tiny, instance matrices, then each shape.
   void render(bool cullBackFaces, const double* unitsPerPixel, const double* pixelsPerUnit,
               const AcGeVector3d* viewDirection);
+  /// The display list the retained path compiled for this object (0: none).
+  unsigned getRetainedList() const { return m_retainedList; }
   /// Draws the object's shadow volume from the scene's light, for the
   /// stencil passes; built on first use and again only after the shapes,
   /// the instances, the light or the set's box change. Draws nothing when the
@@ -335,6 +341,7 @@ class KXRENDER_API CRenderObject {
 
  private:
   friend class CObjectSetMgr;
+  friend class kxretained::GroupWriter;
   void copyFrom(const CRenderObject& o);
   /// Hands the display lists of shapes about to be dropped to the scene.
   void releaseShapeLists(std::vector<CRenderShape>::iterator first, std::vector<CRenderShape>::iterator last);
@@ -347,6 +354,17 @@ class KXRENDER_API CRenderObject {
   void buildShadowVolume(const float* light, const AcGePoint3d& lo, const AcGePoint3d& hi);
   void drawShape(CRenderShape& s, bool cullBackFaces, const double* pixelsPerUnit,
                  const AcGeVector3d* viewDirection, bool isLod);
+  void drawShapes(std::vector<CRenderShape>& shapes, unsigned instanced, bool cullBackFaces,
+                  const double* pixelsPerUnit, const AcGeVector3d* viewDirection, bool isLod);
+  // Draws the shapes through the object's display list (RenderObjectRetained.cpp);
+  // false when the object has to take the per-shape path this frame.
+  bool drawRetained(std::vector<CRenderShape>& shapes, unsigned instanced, bool cullBackFaces,
+                    const double* pixelsPerUnit, const AcGeVector3d* viewDirection, bool isLod);
+  // Hands the retained list to the scene's deletion queue.
+  void releaseRetainedList();
+  // Writes the visible, unculled shapes as the lean list writer draws them.
+  void writeRetained(kxretained::LeanWriter& w, const std::vector<CRenderShape>& shapes, unsigned instanced,
+                     bool cullBackFaces, const double* pixelsPerUnit, const AcGeVector3d* viewDirection) const;
 
   std::vector<CRenderShape> m_shapes;
   unsigned m_id = 0;
@@ -380,6 +398,8 @@ class KXRENDER_API CRenderObject {
   std::vector<CGripPoint> m_grips;
   bool m_renderedFlag1 = false;
   bool m_renderedFlag2 = false;
+  unsigned m_retainedList = 0;
+  uint64_t m_retainedKey = 0;  // what the list was compiled from
   // What the shadow volume was built for; never copied.
   struct ShadowVolumeState {
     unsigned list = 0;

@@ -289,6 +289,12 @@ class KXRENDER_API CRenderShape {
   /// The compiled display list (0: none); release hands it to the scene's
   /// queue, reValueDispList forgets it without deleting.
   unsigned getFaceDisplayList() const { return m_faceDisplayList; }
+  // Changes whenever geometry or drawing data is replaced (setters,
+  // transforms, triangulation, copies); retained drawing keys on it.
+  // Points edited in place through getPts() are seen once calBox() or
+  // divTringle() is called.
+  uint32_t drawStamp() const { return m_drawStamp; }
+  void touchDrawStamp() { m_drawStamp = nextDrawStamp(); }
   void releaseDisplayList();
   void reValueDispList() { m_faceDisplayList = 0; }
   ///@}
@@ -311,6 +317,7 @@ class KXRENDER_API CRenderShape {
   void takeFields(S&& o);
   void swapOwned(CRenderShape& o) noexcept;
   static float offsetBase(float area);
+  static uint32_t nextDrawStamp();
   /// The triangle tree of the face mesh, built on first use.
   const CFaceMeshBvh* faceBvh() const;
 
@@ -353,6 +360,7 @@ class KXRENDER_API CRenderShape {
   bool m_shareVertexData = false;
   std::vector<std::vector<AcGePoint3d>> m_hitLines;
   unsigned m_faceDisplayList = 0;
+  uint32_t m_drawStamp = nextDrawStamp();
   /// Built lazily by hit tests and dropped whenever the mesh changes; copies
   /// of a shape share it, as their meshes are equal.
   mutable std::shared_ptr<const CFaceMeshBvh> m_faceBvh;

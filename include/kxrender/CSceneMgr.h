@@ -334,6 +334,13 @@ class KXRENDER_API CSceneMgr {
   void setDrawGrip(bool b) { m_bDrawGrip = b; }
   ///@}
   ///@{
+  /// Retained drawing (on by default): objects replay a display list of
+  /// their shapes, and objects drawn as single points go in one batch.
+  /// Off, every frame issues each shape's drawing calls.
+  bool isRetainedDraw() const { return m_bRetainedDraw; }
+  void setRetainedDraw(bool b) { m_bRetainedDraw = b; }
+  ///@}
+  ///@{
   /// Faster frames while the view moves: static objects and objects under
   /// about 120 pixels across are skipped.
   bool isAccelerate() const { return m_bAccelerate; }
@@ -490,6 +497,7 @@ class KXRENDER_API CSceneMgr {
   bool m_bDrawCoordinate = true;
   bool m_bDrawGrip = false;
   bool m_bAccelerate = false;
+  bool m_bRetainedDraw = true;
   unsigned long m_lastRenderTime = 0;
   std::list<GripPoint*> m_gripPts;
   bool m_bPartTrans = false;

@@ -61,6 +61,7 @@ class ObjectFrame : public SceneFixture {
     open(64, 64);
     scene.setLightOpen(false);  // exact colours in the frame
     scene.setRange(10.0);
+    scene.setRetainedDraw(false);  // every frame makes the per-shape calls
   }
   CObjectSetMgr& set() { return *scene.getObjSetMgr(); }
   void frame() {

@@ -1,0 +1,50 @@
+#pragma once
+// The object pass of retained drawing: while a scope is open, objects too
+// small on screen queue their point instead of drawing it, and the scope
+// draws them all in one glBegin/glEnd when it closes; objects may replay
+// lean lists, which assume the pass's depth range.
+#include "kxrender/AcGePoint3d.h"
+#include "kxrender/CColor.h"
+#include "kxrender/CRenderShape.h"
+
+#include <cstdint>
+#include <vector>
+
+class CRenderObject;
+
+class CSceneMgr;
+
+namespace kxretained {
+
+class ObjectPassScope {
+ public:
+  explicit ObjectPassScope(const CSceneMgr* scene);
+  ~ObjectPassScope();
+  ObjectPassScope(const ObjectPassScope&) = delete;
+  ObjectPassScope& operator=(const ObjectPassScope&) = delete;
+
+ private:
+  bool m_on = false;
+};
+
+// Whether a scope is open (retained drawing on, no shadow passes).
+bool inObjectPass();
+// False when no batch is open: the caller draws the point itself.
+bool queuePoint(const CColor& color, const AcGePoint3d& centre);
+
+// Neighbours in the search tree share one list, so a frame replays a few
+// hundred lists rather than one per object. While a group is open, objects
+// that would replay a lean list of their own join it instead; closing the
+// group replays its list when the same objects joined with the same keys,
+// and compiles a new one otherwise. Objects that cannot join draw at once,
+// before the group's list.
+void openGroup(unsigned* list, uint64_t* key);
+void closeGroup(CSceneMgr* scene);
+// Whether a display list is being compiled (a static object's, say): lists
+// cannot nest, so retained drawing then steps aside.
+bool compilingOtherList();
+// False when no group is open.
+bool joinGroup(const CRenderObject* o, const std::vector<CRenderShape>* shapes, unsigned instanced, uint64_t key,
+               bool cullBackFaces, const double* pixelsPerUnit, const AcGeVector3d* viewDirection);
+
+}  // namespace kxretained

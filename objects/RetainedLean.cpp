@@ -1,0 +1,222 @@
+// The lean list writer: the pictures of the shape drawers with few state
+// changes (see RetainedLean.h).
+#include "objects/RetainedLean.h"
+
+#include "kxrender/CSimpleMatrix.h"
+#include "support/GLTable.h"
+
+namespace kxretained {
+
+namespace {
+// The depth ranges of the object pass and of the line overlay.
+constexpr double kPassNear = 0.1, kOverlayNear = 0.09995, kFar = 1.0;
+constexpr float kFaceLineWidth = 1.2f;
+
+bool fits(const std::vector<uint16_t>& strip, size_t vertexCount) {
+  for (uint16_t i : strip)
+    if (i >= vertexCount) return false;
+  return true;
+}
+}  // namespace
+
+bool canWrite(const CRenderShape& s) {
+  return !s.getHit() && !s.getHighLight() && !s.isDotLine() && !s.hasTexture() &&
+         s.getShpType() != CRenderShape::kText;
+}
+
+namespace {
+thread_local const void* t_storageOwner = nullptr;  // the writer using the thread's buckets
+}
+
+LeanWriter::LeanWriter(int mode, unsigned char alpha) : m_mode(mode), m_alpha(alpha), m_buckets(&m_own) {
+  thread_local std::vector<Bucket> storage;
+  if (!t_storageOwner) {
+    t_storageOwner = this;
+    m_buckets = &storage;
+  }
+}
+
+LeanWriter::~LeanWriter() {
+  finish();
+  if (t_storageOwner == this) t_storageOwner = nullptr;
+}
+
+void LeanWriter::select(bool lines, float a, float b, bool overlay) {
+  Bucket* c = m_current;
+  if (c && c->lines == lines && c->a == a && c->b == b && c->overlay == overlay) return;
+  std::vector<Bucket>& all = *m_buckets;
+  for (size_t i = 0; i < m_used; ++i) {
+    Bucket& k = all[i];
+    if (k.lines == lines && k.a == a && k.b == b && k.overlay == overlay) {
+      m_current = &k;
+      return;
+    }
+  }
+  if (m_used == all.size()) all.emplace_back();
+  Bucket& k = all[m_used++];
+  k.lines = lines;
+  k.a = a;
+  k.b = b;
+  k.overlay = overlay;
+  k.vertices.clear();
+  m_current = &k;
+}
+
+void LeanWriter::fillState(float factor, float units) { select(false, factor, units, false); }
+
+void LeanWriter::lineState(float width, bool overlay) { select(true, width, 0.0f, overlay); }
+
+void LeanWriter::flush() {
+  for (size_t i = 0; i < m_used; ++i) {
+    Bucket& k = (*m_buckets)[i];
+    if (k.vertices.empty()) continue;
+    if (k.lines) {
+      kgl->LineWidth(k.a);
+      if (k.overlay != m_overlaySent) kgl->DepthRange(k.overlay ? kOverlayNear : kPassNear, kFar);
+      m_overlaySent = k.overlay;
+    } else {
+      kgl->PolygonOffset(k.a, k.b);
+      if (m_overlaySent) kgl->DepthRange(kPassNear, kFar);
+      m_overlaySent = false;
+    }
+    kgl->Begin(k.lines ? GL_LINES : GL_TRIANGLES);
+    // Every vertex carries the full set, so the whole list keeps one
+    // vertex layout and Mesa never splits it for a format change.
+    for (const Vertex& v : k.vertices) {
+      kgl->Color4ub(v.c[0], v.c[1], v.c[2], v.c[3]);
+      kgl->Normal3f(v.n[0], v.n[1], v.n[2]);
+      kgl->Vertex3f(v.p[0], v.p[1], v.p[2]);
+    }
+    kgl->End();
+    k.vertices.clear();
+  }
+  m_used = 0;
+  m_current = nullptr;
+}
+
+void LeanWriter::colour(const CColor& c) {
+  m_rgba[0] = c.r;
+  m_rgba[1] = c.g;
+  m_rgba[2] = c.b;
+  m_rgba[3] = m_alpha;
+}
+
+void LeanWriter::vertex(float x, float y, float z) {
+  if (!m_current) return;
+  m_current->vertices.push_back(
+      {{x, y, z}, {m_normal[0], m_normal[1], m_normal[2]}, {m_rgba[0], m_rgba[1], m_rgba[2], m_rgba[3]}});
+}
+
+void LeanWriter::contourLines(const std::vector<AcGePoint3d>& c, float zLift) {
+  for (size_t i = 1; i < c.size(); ++i) {
+    vertex(static_cast<float>(c[i - 1].x), static_cast<float>(c[i - 1].y), static_cast<float>(c[i - 1].z + zLift));
+    vertex(static_cast<float>(c[i].x), static_cast<float>(c[i].y), static_cast<float>(c[i].z + zLift));
+  }
+}
+
+void LeanWriter::polygonFill(const CRenderShape& s) {
+  const std::vector<double>& v = s.getGlPts();
+  const size_t count = v.size() / 3;
+  fillState(s.getOffsetFactor(), s.getOffsetUnits());
+  auto put = [&](uint16_t i) {
+    vertex(static_cast<float>(v[3 * i]), static_cast<float>(v[3 * i + 1]), static_cast<float>(v[3 * i + 2]));
+  };
+  for (const std::vector<uint16_t>& strip : s.getStrips()) {
+    if (!fits(strip, count)) continue;
+    // A strip's triangles in the order GL takes them: odd ones swap their
+    // first two vertices to keep the winding.
+    for (size_t k = 0; k + 2 < strip.size(); ++k) {
+      const bool odd = k & 1;
+      put(strip[odd ? k + 1 : k]);
+      put(strip[odd ? k : k + 1]);
+      put(strip[k + 2]);
+    }
+  }
+}
+
+void LeanWriter::face(const CRenderShape& s) {
+  const std::vector<AcGePoint3d>& v = *s.getFaceVertexArray();
+  const std::vector<int>& idx = *s.getFaceTriangleIndexArray();
+  const std::vector<AcGeVector3d>& n = *s.getFaceNormalArray();
+  const float z = s.getZOffset();
+  colour(s.getClr());
+  if (m_mode == 0) {
+    lineState(kFaceLineWidth, false);
+    for (const auto& line : s.getHitLine()) contourLines(line, 0.0f);
+    return;
+  }
+  // Fills keep the offset render() set for the face.
+  fillState(s.getOffsetFactor(), s.getOffsetUnits());
+  auto valid = [](int i, size_t size) { return i >= 0 && static_cast<size_t>(i) < size; };
+  for (size_t t = 0; t + 3 <= idx.size(); t += 3) {
+    bool ok = true;
+    for (size_t k = 0; k < 3; ++k) ok = ok && valid(idx[t + k], v.size()) && valid(idx[t + k], n.size());
+    if (!ok) continue;
+    for (size_t k = 0; k < 3; ++k) {
+      const size_t i = static_cast<size_t>(idx[t + k]);
+      m_normal[0] = static_cast<float>(n[i].x);
+      m_normal[1] = static_cast<float>(n[i].y);
+      m_normal[2] = static_cast<float>(n[i].z);
+      vertex(static_cast<float>(v[i].x), static_cast<float>(v[i].y), static_cast<float>(v[i].z + z));
+    }
+  }
+  if (!s.getShowBorder()) return;
+  // The border keeps the last triangle's normal, as the face's own list does.
+  colour(s.getBorderColor());
+  lineState(s.getBorderWidth(), true);
+  for (const auto& line : s.getHitLine()) contourLines(line, z);
+}
+
+void LeanWriter::shape(const CRenderShape& s, const double* viewScale) {
+  const CRenderShape::ShapeType type = s.getShpType();
+  if (type != CRenderShape::kPline && type != CRenderShape::kPgon && type != CRenderShape::kFace) return;
+  if (s.getPts().empty() && type != CRenderShape::kFace) return;
+  const AcGeVector3d& ucs = s.getUcs();
+  m_normal[0] = static_cast<float>(ucs.x);
+  m_normal[1] = static_cast<float>(ucs.y);
+  m_normal[2] = static_cast<float>(ucs.z);
+  if (type == CRenderShape::kFace) {
+    if (s.getFaceVertexArray() && s.getFaceTriangleIndexArray() && s.getFaceNormalArray()) face(s);
+    return;
+  }
+  const bool shaded = m_mode == 2 || m_mode == 4;
+  if (m_mode != 0 && !shaded) return;
+  const float width = s.lineWidth(viewScale);
+  if (m_mode == 0 || type == CRenderShape::kPline) {
+    // Wire frame draws every contour; a shaded polyline only its points,
+    // lifted over the faces.
+    colour(s.getClr());
+    lineState(width, m_mode != 0);
+    contourLines(s.getPts(), 0.0f);
+    if (m_mode == 0)
+      for (const auto& hole : s.getHoles()) contourLines(hole, 0.0f);
+    return;
+  }
+  if (s.getGlPts().empty()) return;
+  colour(s.getClr());
+  polygonFill(s);
+  if (!s.getShowBorder()) return;
+  colour(s.getBorderColor());
+  lineState(width, false);
+  contourLines(s.getPts(), 0.0f);
+  for (const auto& hole : s.getHoles()) contourLines(hole, 0.0f);
+}
+
+void LeanWriter::pushMatrix(const CSimpleMatrix& m) {
+  flush();
+  kgl->PushMatrix();
+  m.MultOpenGLMatrix();
+}
+
+void LeanWriter::popMatrix() {
+  flush();
+  kgl->PopMatrix();
+}
+
+void LeanWriter::finish() {
+  flush();
+  if (m_overlaySent) kgl->DepthRange(kPassNear, kFar);
+  m_overlaySent = false;
+}
+
+}  // namespace kxretained

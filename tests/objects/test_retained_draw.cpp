@@ -1,0 +1,197 @@
+// Retained drawing against the per-shape path: real Mesa frames must match
+// pixel for pixel, before and after every change the display lists key on.
+#include <epoxy/gl.h>
+
+#include <functional>
+
+#include "ObjectHelpers.h"
+#include "kxrender/CSceneMgr.h"
+#include "platform/Win32Window.h"
+#include "scene/SceneFixture.h"
+#include "support/GLRecorder.h"
+
+namespace {
+
+CRenderObject* objectOf(const std::vector<CRenderShape>& shapes) {
+  CRenderObject* o = new CRenderObject;
+  for (const CRenderShape& s : shapes) o->addShape(s);
+  o->endAddShape();
+  return o;
+}
+
+class RetainedFrame : public SceneFixture {
+ protected:
+  void SetUp() override {
+    open(96, 96);
+    scene.setLightOpen(false);
+    scene.setRange(20.0);
+  }
+  CObjectSetMgr& set() { return *scene.getObjSetMgr(); }
+
+  // Bordered and scaled-border polygons, a polyline, a face mesh, an
+  // instanced object, one with a coarser level, a wall seen from behind,
+  // and objects small enough to be single points.
+  void buildScene() {
+    CRenderShape bordered = rectShape(-9, -9, -2, -2, 0, CColor(200, 60, 40, 255));
+    bordered.setShowBorder(true);
+    bordered.setBorderColor(CColor(10, 250, 10, 255));
+    bordered.setBorderWidth(3.0, true);
+    CRenderShape line;
+    line.set({{-9, 1, 0.5}, {-2, 8, 0.5}, {-2, 1, 0.5}}, {}, CRenderShape::kPline, CColor(250, 250, 0, 255),
+             AcGeVector3d(0, 0, 1));
+    ids.push_back(set().addObject(objectOf({bordered, line})));
+
+    CRenderShape face = faceTriangle(CColor(40, 90, 220, 255));
+    face.setShowBorder(true);
+    face.setBorderColor(CColor(255, 0, 255, 255));
+    ids.push_back(set().addObject(objectOf({face, wallShape(0.5, 0, 8, 0, 3, false)})));
+
+    CRenderObject* inst = objectOf({rectShape(2, -9, 4, -7, 0, CColor(0, 200, 200, 255)),
+                                    rectShape(6, -3, 9, -1, 0, CColor(120, 0, 120, 255))});
+    CSimpleMatrix* m = new CSimpleMatrix;
+    m->setTranslate(0.0f, 3.0f, 0.0f);
+    inst->addSmpMat(m);
+    inst->setExaGeoShapNum(1);
+    ids.push_back(set().addObject(inst));
+
+    // A plate under the others, large enough to stay whole when zoomed out.
+    CRenderObject* lod = objectOf({rectShape(-9, -9, 7, 3, -1, CColor(255, 128, 0, 255))});
+    lod->setLodLevel(1);
+    lod->getLodShpss(0) = {rectShape(-9, -9, -1, 3, -1, CColor(128, 255, 0, 255))};
+    lod->getLodUnitsPerPixel(0) = 0.3f;  // coarse from 0.3 units a pixel
+    ids.push_back(set().addObject(lod));
+
+    for (int i = 0; i < 4; ++i)
+      ids.push_back(set().addObject(rectObject(5 + i, 5, 5.4 + i, 5.4, 0, CColor(255, 40 * i, 90, 255))));
+    // Far out of view, enough that the set builds its search tree: the
+    // objects above then share lists with their tree neighbours, and
+    // objects added later keep lists of their own until the next build.
+    for (int i = 0; i < 70; ++i) set().addObject(rectObject(1000 + i, 1000, 1000.5 + i, 1000.5));
+  }
+
+  std::vector<uint8_t> frame(bool retained) {
+    scene.setRetainedDraw(retained);
+    scene.render();
+    scene.finish();
+    std::vector<uint8_t> px;
+    int w = 0, h = 0;
+    EXPECT_TRUE(KxReadWindowPixels(window, px, w, h));
+    return px;
+  }
+
+  // Lists handed out and still alive in the context.
+  static size_t liveLists() {
+    size_t n = 0;
+    for (GLuint id = 1; id < 4096; ++id) n += glIsList(id) == GL_TRUE;
+    return n;
+  }
+
+  std::vector<unsigned> ids;
+};
+
+struct Variant {
+  const char* name;
+  std::function<void(CSceneMgr&, std::vector<unsigned>&)> apply;
+};
+
+const std::vector<Variant>& variants() {
+  static const std::vector<Variant> v = {
+      {"shaded", [](CSceneMgr&, std::vector<unsigned>&) {}},
+      {"wire frame", [](CSceneMgr& s, std::vector<unsigned>&) { s.setRenderMode(CRenderObject::RenderMode(0)); }},
+      {"mode 4", [](CSceneMgr& s, std::vector<unsigned>&) { s.setRenderMode(CRenderObject::RenderMode(4)); }},
+      {"hit", [](CSceneMgr& s, std::vector<unsigned>& ids) { s.getObj(ids[0])->hit(true); }},
+      {"highlight", [](CSceneMgr& s, std::vector<unsigned>& ids) { s.getObj(ids[1])->highLight(true); }},
+      {"dot line", [](CSceneMgr& s, std::vector<unsigned>& ids) { s.getObj(ids[0])->getShape(1).setDotLine(true); }},
+      {"transparent", [](CSceneMgr& s, std::vector<unsigned>&) { s.setTransparent(128); }},
+      {"coarse level", [](CSceneMgr& s, std::vector<unsigned>&) { s.setRange(40.0); }},
+  };
+  return v;
+}
+
+}  // namespace
+
+TEST_F(RetainedFrame, EveryModeAndFeedbackDrawsTheSamePixelsAsThePerShapePath) {
+  buildScene();
+  for (const Variant& v : variants()) {
+    SCOPED_TRACE(v.name);
+    v.apply(scene, ids);
+    const std::vector<uint8_t> reference = frame(false);
+    EXPECT_TRUE(frame(true) == reference) << "compiling frame";
+    EXPECT_TRUE(frame(true) == reference) << "replayed frame";
+  }
+}
+
+// Each change is made after the lists are compiled; the next frame must be
+// the per-shape frame, and differ from the frame before the change (so the
+// change is one the lists really depend on).
+TEST_F(RetainedFrame, AChangeAfterCompilingRedrawsLikeThePerShapePath) {
+  const std::vector<Variant> changes = {
+      {"shape colour",
+       [](CSceneMgr& s, std::vector<unsigned>& ids) { s.getObj(ids[0])->setShapeColor(0, CColor(0, 0, 255, 255)); }},
+      {"render mode", [](CSceneMgr& s, std::vector<unsigned>&) { s.setRenderMode(CRenderObject::RenderMode(0)); }},
+      {"level of detail", [](CSceneMgr& s, std::vector<unsigned>&) { s.setRange(40.0); }},
+      {"scaled border zoom", [](CSceneMgr& s, std::vector<unsigned>&) { s.setRange(12.0); }},
+      {"scene alpha", [](CSceneMgr& s, std::vector<unsigned>&) { s.setTransparent(100); }},
+      {"hit", [](CSceneMgr& s, std::vector<unsigned>& ids) { s.getObj(ids[2])->hit(true); }},
+      {"move", [](CSceneMgr& s, std::vector<unsigned>& ids) { s.getObj(ids[0])->move(AcGeVector3d(1.5, 0.5, 0)); }},
+      {"points edited in place",
+       [](CSceneMgr& s, std::vector<unsigned>& ids) {
+         CRenderShape& sh = s.getObj(ids[2])->getShape(1);
+         for (AcGePoint3d& p : sh.getPts()) p.y += 1.0;
+         sh.divTringle();
+       }},
+      {"delete", [](CSceneMgr& s, std::vector<unsigned>& ids) { s.getObjSetMgr()->delObject(ids[1]); }},
+  };
+  for (const Variant& c : changes) {
+    SCOPED_TRACE(c.name);
+    set().clear();
+    ids.clear();
+    scene.setRenderMode(CRenderObject::RenderMode(2));
+    scene.setTransparent(255);
+    scene.setRange(20.0);
+    buildScene();
+    frame(true);
+    const std::vector<uint8_t> before = frame(true);
+    c.apply(scene, ids);
+    const std::vector<uint8_t> after = frame(true);
+    EXPECT_TRUE(after != before) << "the change shows";
+    EXPECT_TRUE(after == frame(false));
+  }
+}
+
+TEST_F(RetainedFrame, ListsStayOnePerDrawnObjectThroughChurn) {
+  buildScene();
+  for (int round = 0; round < 40; ++round) {
+    const unsigned id = set().addObject(rectObject(-8 + round % 10, -4, -7 + round % 10, -3, 1.0));
+    frame(true);
+    set().getObj(ids[round % 3])->setShapeColor(0, CColor(round * 6, 100, 50, 255));
+    scene.setRenderMode(CRenderObject::RenderMode(round % 3 == 0 ? 0 : 2));
+    frame(true);
+    set().delObject(id);
+  }
+  frame(true);  // deletes what the last round queued
+  size_t objectLists = 0, faceLists = 0;
+  for (unsigned id : ids) {
+    const CRenderObject* o = set().getObj(id);
+    if (o->getRetainedList() != 0) ++objectLists;
+    for (const CRenderShape& s : o->getShps()) faceLists += s.getFaceDisplayList() != 0;
+  }
+  // The tree's objects share one group list; the single points need none.
+  EXPECT_EQ(objectLists, 0u);
+  EXPECT_EQ(set().retainedGroupLists(), 1u);
+  EXPECT_EQ(liveLists(), set().retainedGroupLists() + faceLists);
+  set().clear();
+  frame(true);
+  EXPECT_EQ(liveLists(), 0u);
+}
+
+TEST_F(RetainedFrame, SinglePointsGoOutInOneBatchOnlyWithThePathOn) {
+  for (int i = 0; i < 5; ++i) set().addObject(rectObject(i, 0, i + 0.3, 0.3));
+  for (bool on : {false, true}) {
+    scene.setRetainedDraw(on);
+    GLRecorder rec(true);
+    scene.render();
+    EXPECT_EQ(rec.count("glBegin"), on ? 1u : 5u);
+    EXPECT_EQ(rec.count("glVertex3d"), 5u);
+  }
+}
