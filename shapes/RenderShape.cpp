@@ -1,6 +1,7 @@
 // Construction, copying, geometry setters, tags and polygon offsets of a
 // render shape.
 #include <atomic>
+#include <cfloat>
 #include <cmath>
 #include <utility>
 
@@ -9,6 +10,12 @@
 #include "shapes/TextPlacement.h"
 
 namespace {
+// GL takes offsets as floats: values past float range saturate instead of
+// overflowing the conversion, and NaN counts as no offset.
+float toOffset(double v) {
+  if (std::isnan(v)) return 0.0f;
+  return static_cast<float>(std::fmax(-FLT_MAX, std::fmin(v, FLT_MAX)));
+}
 // A contour is stored closed: its first point repeated at the end, unless
 // the last point already equals it.
 void closeContour(std::vector<AcGePoint3d>& c) {
@@ -178,9 +185,9 @@ void CRenderShape::set(const std::vector<AcGePoint3d>& pts, const std::vector<st
   calBox();
 
   const float f = offsetBase(m_area);
-  m_offsetUnits = static_cast<float>(f * offsetUnitsScale);
-  m_offsetFactor = static_cast<float>(f * offsetFactorScale);
-  m_zOffset = static_cast<float>(zOffset);
+  m_offsetUnits = toOffset(f * offsetUnitsScale);
+  m_offsetFactor = toOffset(f * offsetFactorScale);
+  m_zOffset = toOffset(zOffset);
 }
 
 void CRenderShape::set(TextInfo* info, const CColor& clr, const AcGeVector3d& ucs, double, double, double) {
@@ -238,7 +245,7 @@ float CRenderShape::offsetBase(float area) {
   return f;
 }
 
-void CRenderShape::setOffsetScale(double s) { m_offsetFactor = static_cast<float>(offsetBase(m_area) * s); }
+void CRenderShape::setOffsetScale(double s) { m_offsetFactor = toOffset(offsetBase(m_area) * s); }
 
 // For a polygon the drawn vertices move along (1, 1, 1), not along z: every
 // coordinate of the triangulated vertices is lifted. Hosts rely on exactly
