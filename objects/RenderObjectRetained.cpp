@@ -145,8 +145,10 @@ bool CRenderObject::drawRetained(std::vector<CRenderShape>& shapes, unsigned ins
   // Blending depends on the drawing order of every fill and line, and the
   // shadow passes set their own offsets: both keep the per-shape path.
   if (!scene || !scene->isRetainedDraw() || m_trackerXor || scene->isShadow() || scene->getTransparent() != 255 ||
-      !kxretained::inObjectPass())
+      !kxretained::inObjectPass()) {
+    kxretained::interruptGroup();
     return false;
+  }
 
   KeyHash k;
   k.add(static_cast<const void*>(shapes.data()));
@@ -160,7 +162,11 @@ bool CRenderObject::drawRetained(std::vector<CRenderShape>& shapes, unsigned ins
     for (float v : m->getValues()) k.add(v);
   }
   for (const CRenderShape& s : shapes)
-    if (!addShapeKey(k, s, cullBackFaces, pixelsPerUnit, viewDirection)) return false;
+    if (!addShapeKey(k, s, cullBackFaces, pixelsPerUnit, viewDirection)) {
+      // Drawn the per-shape way, in its place among its neighbours.
+      kxretained::interruptGroup();
+      return false;
+    }
   const uint64_t key = k.value();
 
   if (kxretained::joinGroup(this, &shapes, instanced, key, cullBackFaces, pixelsPerUnit, viewDirection)) {

@@ -43,6 +43,10 @@ void closeGroup(CSceneMgr* scene);
 // Whether a display list is being compiled (a static object's, say): lists
 // cannot nest, so retained drawing then steps aside.
 bool compilingOtherList();
+// An object about to draw the per-shape way: the objects that joined before
+// it are drawn now, so the drawing order is kept, and the group draws
+// without its list for the rest of this frame.
+void interruptGroup();
 // False when no group is open.
 bool joinGroup(const CRenderObject* o, const std::vector<CRenderShape>* shapes, unsigned instanced, uint64_t key,
                bool cullBackFaces, const double* pixelsPerUnit, const AcGeVector3d* viewDirection);

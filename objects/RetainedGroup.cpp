@@ -32,6 +32,7 @@ struct Group {
   unsigned* list = nullptr;  // null: no group open
   uint64_t* key = nullptr;
   uint64_t joinedKey = 0;
+  bool interrupted = false;  // drawn in order, without the list, this frame
   std::vector<GroupWriter::Item> items;  // kept between groups: no allocation per frame
 };
 
@@ -55,6 +56,7 @@ void openGroup(unsigned* list, uint64_t* key) {
   g_group.list = list;
   g_group.key = key;
   g_group.joinedKey = 0x51ed270b27a1f3c5ULL;
+  g_group.interrupted = false;
   g_group.items.clear();
 }
 
@@ -66,11 +68,33 @@ bool joinGroup(const CRenderObject* o, const std::vector<CRenderShape>* shapes, 
   return true;
 }
 
+namespace {
+// Draws the joined objects without a list, in the order they joined.
+void drawJoined() {
+  {
+    LeanWriter w(2, 255);
+    for (const GroupWriter::Item& i : g_group.items) GroupWriter::write(w, i);
+  }
+  g_group.items.clear();
+}
+}  // namespace
+
+void interruptGroup() {
+  if (!g_group.list) return;
+  g_group.interrupted = true;
+  drawJoined();
+}
+
 void closeGroup(CSceneMgr* scene) {
   if (!g_group.list) return;
   unsigned& list = *g_group.list;
   uint64_t& key = *g_group.key;
   g_group.list = nullptr;
+  if (g_group.interrupted) {
+    // Its list, if any, stays for frames without the interruption.
+    drawJoined();
+    return;
+  }
   // Nobody joined (all points or hidden at this zoom): the list stays for
   // when they come back.
   if (g_group.items.empty()) return;
