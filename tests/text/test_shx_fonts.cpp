@@ -218,7 +218,7 @@ TEST(ShxDamaged, RunawayShapesAreCut) {
   size_t points = 0;
   for (const auto& c : contours) points += c.size();
   EXPECT_GT(points, 1000u);
-  EXPECT_LE(points, 200000u);
+  EXPECT_LE(points, 20000u);
 }
 
 TEST(ShpCompiler, RefusesInvalidSources) {
