@@ -3,6 +3,7 @@
 #include "objects/RetainedLean.h"
 
 #include "kxrender/CSimpleMatrix.h"
+#include "shapes/FaceTriangles.h"
 #include "support/GLTable.h"
 
 namespace kxretained {
@@ -147,19 +148,12 @@ void LeanWriter::face(const CRenderShape& s) {
   }
   // Fills keep the offset render() set for the face.
   fillState(s.getOffsetFactor(), s.getOffsetUnits());
-  auto valid = [](int i, size_t size) { return i >= 0 && static_cast<size_t>(i) < size; };
-  for (size_t t = 0; t + 3 <= idx.size(); t += 3) {
-    bool ok = true;
-    for (size_t k = 0; k < 3; ++k) ok = ok && valid(idx[t + k], v.size()) && valid(idx[t + k], n.size());
-    if (!ok) continue;
-    for (size_t k = 0; k < 3; ++k) {
-      const size_t i = static_cast<size_t>(idx[t + k]);
-      m_normal[0] = static_cast<float>(n[i].x);
-      m_normal[1] = static_cast<float>(n[i].y);
-      m_normal[2] = static_cast<float>(n[i].z);
-      vertex(static_cast<float>(v[i].x), static_cast<float>(v[i].y), static_cast<float>(v[i].z + z));
-    }
-  }
+  forEachFaceCorner(idx, v.size(), n.size(), [&](size_t i) {
+    m_normal[0] = static_cast<float>(n[i].x);
+    m_normal[1] = static_cast<float>(n[i].y);
+    m_normal[2] = static_cast<float>(n[i].z);
+    vertex(static_cast<float>(v[i].x), static_cast<float>(v[i].y), static_cast<float>(v[i].z + z));
+  });
   if (!s.getShowBorder()) return;
   // The border keeps the last triangle's normal, as the face's own list does.
   colour(s.getBorderColor());

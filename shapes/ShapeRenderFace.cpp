@@ -2,31 +2,24 @@
 // the selection look applied outside the list.
 #include "kxrender/CRenderShape.h"
 #include "kxrender/CRenderSystem.h"
+#include "shapes/FaceTriangles.h"
 #include "shapes/ShapeRenderState.h"
 #include "support/GLTable.h"
 
 using namespace kxshape;
 
 namespace {
-bool validIndex(int i, size_t n) { return i >= 0 && static_cast<size_t>(i) < n; }
-
 // The triangles of a mesh in immediate mode, lifted by zOffset. Whole
 // triangles only: one bad index drops its triangle instead of reading
 // outside the arrays.
 void emitTriangles(const std::vector<AcGePoint3d>& v, const std::vector<int>& idx,
                    const std::vector<AcGeVector3d>& n, const std::vector<AcGePoint2d>* uv, float zOffset) {
   kgl->Begin(GL_TRIANGLES);
-  for (size_t t = 0; t + 3 <= idx.size(); t += 3) {
-    bool ok = true;
-    for (size_t k = 0; k < 3; ++k) ok = ok && validIndex(idx[t + k], v.size()) && validIndex(idx[t + k], n.size());
-    if (!ok) continue;
-    for (size_t k = 0; k < 3; ++k) {
-      const size_t i = static_cast<size_t>(idx[t + k]);
-      kgl->Normal3f(static_cast<GLfloat>(n[i].x), static_cast<GLfloat>(n[i].y), static_cast<GLfloat>(n[i].z));
-      if (uv) kgl->TexCoord2f(static_cast<GLfloat>((*uv)[i].x), static_cast<GLfloat>((*uv)[i].y));
-      kgl->Vertex3f(static_cast<GLfloat>(v[i].x), static_cast<GLfloat>(v[i].y), static_cast<GLfloat>(v[i].z + zOffset));
-    }
-  }
+  forEachFaceCorner(idx, v.size(), n.size(), [&](size_t i) {
+    kgl->Normal3f(static_cast<GLfloat>(n[i].x), static_cast<GLfloat>(n[i].y), static_cast<GLfloat>(n[i].z));
+    if (uv) kgl->TexCoord2f(static_cast<GLfloat>((*uv)[i].x), static_cast<GLfloat>((*uv)[i].y));
+    kgl->Vertex3f(static_cast<GLfloat>(v[i].x), static_cast<GLfloat>(v[i].y), static_cast<GLfloat>(v[i].z + zOffset));
+  });
   kgl->End();
 }
 
