@@ -23,6 +23,7 @@ struct KxSoakFigures {
   size_t listsOwned = 0;  // display lists the scene's objects hold
   size_t listsLive = 0;   // display lists the context has
   size_t queued = 0;      // lists waiting in the deletion queue before the last frame drew
+  size_t pending = 0;     // lists the last frame released: alive until the next frame deletes them
   long rssKiB = 0;
 };
 
@@ -82,6 +83,7 @@ class KxSoakChurn {
     f.objects = set().numObjs();
     f.statics = set().staticObjects().size();
     f.queued = m_queued;
+    f.pending = m_scene.removedDispLists().size();
     std::set<unsigned> owned;
     for (const auto& kv : set().objects()) {
       if (kv.second->getRetainedList()) owned.insert(kv.second->getRetainedList());
