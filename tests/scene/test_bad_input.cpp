@@ -22,7 +22,6 @@
 
 namespace {
 
-typedef std::vector<AcGePoint3d> Pts;
 const double kNaN = std::numeric_limits<double>::quiet_NaN();
 const double kInf = std::numeric_limits<double>::infinity();
 const double kDenormal = std::numeric_limits<double>::denorm_min();
@@ -75,23 +74,14 @@ class BadInput : public SceneFixture {
  protected:
   void SetUp() override {
     open(64, 64);
-    CRenderObject* floor = new CRenderObject;
-    CRenderShape s;
-    s.set({{-1e4, -1e4, -1}, {1e4, -1e4, -1}, {1e4, 1e4, -1}, {-1e4, 1e4, -1}}, {}, CRenderShape::kPgon, kFloor,
-          AcGeVector3d(0, 0, 1));
-    floor->addShape(s);
-    floor->endAddShape();
-    floorId = set().addObject(floor);
+    floorId = set().addObject(rectObject(-1e4, -1e4, 1e4, 1e4, -1, kFloor));
     deletedId = set().addObject(rectObject(0, 0, 1, 1));
     set().delObject(deletedId);
-    scene.render();
-    scene.finish();
+    frame();
     floorPixel = pixel(32, 32);
     ASSERT_EQ(floorPixel.size(), 4u);
     objects = set().numObjs();
   }
-
-  CObjectSetMgr& set() { return *scene.getObjSetMgr(); }
 
   // The view is finite, the floor fills the middle of the frame and is what
   // a pick there finds, and the set holds `expected` objects.
@@ -105,8 +95,7 @@ class BadInput : public SceneFixture {
     // Back to the starting view: what follows checks the objects, not it.
     scene.camera()->ReSet(AcGeVector3d(0, 0, 100), AcGeVector3d(0, 1, 0), AcGeVector3d(0, 0, -1));
     scene.setRange(150);
-    scene.render();
-    scene.finish();
+    frame();
     EXPECT_EQ(pixel(32, 32), floorPixel);
     unsigned id = 0, shape = 99;
     EXPECT_TRUE(scene.pick(CPoint(32, 32), id, shape, 0, nullptr, true));
@@ -136,13 +125,6 @@ class BadInput : public SceneFixture {
   size_t objects = 0;
 };
 
-CRenderObject* oneShape(const CRenderShape& s) {
-  CRenderObject* o = new CRenderObject;
-  o->addShape(s);
-  o->endAddShape();
-  return o;
-}
-
 TEST_F(BadInput, ShapesFromHostileContours) {
   for (const auto& c : hostileContours())
     for (CRenderShape::ShapeType kind : {CRenderShape::kPgon, CRenderShape::kPline}) {
@@ -150,10 +132,10 @@ TEST_F(BadInput, ShapesFromHostileContours) {
       CRenderShape outline, hole;
       outline.set(c.second, {}, kind, CColor(0, 200, 0, 255), AcGeVector3d(0, 0, 1));
       outline.addHitLine(c.second);
-      exercise(row, oneShape(outline));
+      exercise(row, objectOf({outline}));
       if (kind == CRenderShape::kPgon && c.second.size() < 1000) {
         hole.set(square(-100, -100, 200), {c.second}, kind, CColor(0, 200, 0, 255), AcGeVector3d(0, 0, 1));
-        exercise(row + " as a hole", oneShape(hole));
+        exercise(row + " as a hole", objectOf({hole}));
       }
     }
 }
@@ -168,7 +150,7 @@ TEST_F(BadInput, ShapesWithHostileNormalsAndOffsets) {
   for (const AcGeVector3d& n : hostileVectors()) {
     CRenderShape s;
     s.set(square(), {}, CRenderShape::kPgon, CColor(), n);
-    exercise("normal " + std::to_string(n.x), oneShape(s));
+    exercise("normal " + std::to_string(n.x), objectOf({s}));
   }
   for (double v : kBadValues) {
     CRenderShape s;
@@ -178,7 +160,7 @@ TEST_F(BadInput, ShapesWithHostileNormalsAndOffsets) {
     s.setShowBorder(true);
     s.setOffsetScale(v);
     s.setZOffset(float(v));
-    exercise("offsets and border " + std::to_string(v), oneShape(s));
+    exercise("offsets and border " + std::to_string(v), objectOf({s}));
   }
 }
 
@@ -209,7 +191,7 @@ TEST_F(BadInput, FaceMeshesWithHostileArrays) {
     s.setFaceNormalArray(&n);
     s.setFaceTexCoordArray(&uv);
     s.calBox();
-    exercise(r.name, oneShape(s));
+    exercise(r.name, objectOf({s}));
   }
   CRenderShape nulls;  // null arrays are allowed: they clear
   nulls.setFaceType(false);
@@ -217,7 +199,7 @@ TEST_F(BadInput, FaceMeshesWithHostileArrays) {
   nulls.setFaceTriangleIndexArray(nullptr);
   nulls.setFaceNormalArray(nullptr);
   nulls.setFaceTexCoordArray(nullptr);
-  exercise("null arrays", oneShape(nulls));
+  exercise("null arrays", objectOf({nulls}));
 }
 
 TEST_F(BadInput, TextWithHostilePlacement) {
@@ -230,11 +212,11 @@ TEST_F(BadInput, TextWithHostilePlacement) {
     t->dir1 = AcGeVector3d(v, 0, 0);
     t->dir2 = AcGeVector3d(0, 1, 0);
     s.set(t, CColor(), AcGeVector3d(0, 0, 1));
-    exercise("text at " + std::to_string(v), oneShape(s));
+    exercise("text at " + std::to_string(v), objectOf({s}));
   }
   CRenderShape none;
   none.set(static_cast<TextInfo*>(nullptr), CColor(), AcGeVector3d(0, 0, 1));
-  exercise("null text", oneShape(none));
+  exercise("null text", objectOf({none}));
 }
 
 TEST_F(BadInput, ObjectEditsWithHostileValues) {
