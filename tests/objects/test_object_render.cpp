@@ -267,19 +267,6 @@ TEST_F(ObjectFrame, XorTrackingAndAcceleratedCullingOfSmallObjects) {
   EXPECT_EQ(colourCalls(rec, 1, 2, 3), 0u);
 }
 
-TEST_F(ObjectFrame, DeletedObjectsHandTheirDisplayListsToTheScene) {
-  CRenderObject* o = objectOf({faceTriangle()});
-  const unsigned id = set().addObject(o);
-  frame();
-  const unsigned list = o->getShape(0).getFaceDisplayList();
-  ASSERT_NE(list, 0u);
-  set().delObject(id);
-  EXPECT_EQ(scene.removedDispLists(), std::vector<unsigned>{list});
-  GLRecorder rec(true);
-  frame();
-  EXPECT_EQ(countText(rec, "glDeleteLists(" + std::to_string(list) + ", 1)"), 1u);
-}
-
 TEST_F(ObjectFrame, BadObjectsAndEmptySetsDrawWithoutHarm) {
   frame();  // empty set
   const double nan = std::nan("");
