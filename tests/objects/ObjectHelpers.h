@@ -7,6 +7,8 @@
 #include "kxrender/CRenderShape.h"
 #include "support/PrivateAccess.h"
 
+typedef std::vector<AcGePoint3d> Pts;
+
 // A horizontal rectangle x0..x1 by y0..y1 at height z, facing +z.
 inline CRenderShape rectShape(double x0, double y0, double x1, double y1, double z,
                               const CColor& c = CColor(200, 100, 50, 255)) {
@@ -41,12 +43,31 @@ inline CRenderShape faceTriangle(const CColor& c = CColor()) {
   return s;
 }
 
-inline CRenderObject* rectObject(double x0, double y0, double x1, double y1, double z = 0.0,
-                                 const CColor& c = CColor(200, 100, 50, 255)) {
+// Adds an instance matrix that shifts the instanced shapes by (dx, dy, dz).
+inline void addShift(CRenderObject& o, float dx, float dy = 0, float dz = 0) {
+  CSimpleMatrix* m = new CSimpleMatrix;
+  m->setTranslate(dx, dy, dz);
+  o.addSmpMat(m);
+}
+
+inline CRenderObject* objectOf(const std::vector<CRenderShape>& shapes) {
   CRenderObject* o = new CRenderObject;
-  o->addShape(rectShape(x0, y0, x1, y1, z, c));
+  for (const CRenderShape& s : shapes) o->addShape(s);
   o->endAddShape();
   return o;
+}
+
+// One shape through the points: a polyline unless told otherwise.
+inline CRenderObject* object(const Pts& pts, CRenderShape::ShapeType kind = CRenderShape::kPline,
+                             const std::vector<Pts>& holes = {}, AcGeVector3d normal = AcGeVector3d(0, 0, 1)) {
+  CRenderShape s;
+  s.set(pts, holes, kind, CColor(), normal);
+  return objectOf({s});
+}
+
+inline CRenderObject* rectObject(double x0, double y0, double x1, double y1, double z = 0.0,
+                                 const CColor& c = CColor(200, 100, 50, 255)) {
+  return objectOf({rectShape(x0, y0, x1, y1, z, c)});
 }
 
 KX_PRIVATE_MEMBER(ObjectsOf, &CObjectSetMgr::m_objects);

@@ -6,19 +6,10 @@
 #include <cmath>
 #include <random>
 
-#include "kxrender/CObjectSetMgr.h"
+#include "ObjectHelpers.h"
 #include "objects/BjSnap.h"
 
 namespace {
-
-CRenderObject* objectWithPoints(const std::vector<AcGePoint3d>& pts) {
-  CRenderObject* o = new CRenderObject;
-  CRenderShape s;
-  s.set(pts, {}, CRenderShape::kPline, CColor(), AcGeVector3d(0, 0, 1));
-  o->addShape(s);
-  o->endAddShape();
-  return o;
-}
 
 typedef std::vector<std::pair<double, double>> XY;
 
@@ -51,17 +42,14 @@ XY expected(const CObjectSetMgr& set, double x0, double y0, double x1, double y1
 
 TEST(BjSnap, FollowsEditsOfObjectsAndAssistPoints) {
   CObjectSetMgr set;
-  const unsigned a = set.addObject(objectWithPoints({{0, 0, 0}, {10, 0, 0}}));
+  const unsigned a = set.addObject(object({{0, 0, 0}, {10, 0, 0}}));
   set.getObj(a)->AutoCountCatchPoint();
   set.pushAssistPt(AcGePoint3d(5, 5, 0), 1);
   EXPECT_EQ(query(set, -1, -1, 11, 6), (XY{{0, 0}, {5, 5}, {10, 0}}));
 
   // One box over everything; a quarter turn about (100, 0) takes (110, 0)
   // to (100, 10).
-  const struct {
-    const char* edit;
-    XY nodes;
-  } rows[] = {
+  const struct { const char* edit; XY nodes; } rows[] = {
       {"move", {{5, 5}, {100, 0}, {110, 0}}},
       {"rotate", {{5, 5}, {100, 0}, {100, 10}}},
       {"clearAssist", {{100, 0}, {100, 10}}},
@@ -81,15 +69,11 @@ TEST(BjSnap, FollowsEditsOfObjectsAndAssistPoints) {
 
 TEST(BjSnap, ExactPointsUnderEachInstanceMatrixAndSnapPointSetters) {
   CObjectSetMgr set;
-  const unsigned a = set.addObject(objectWithPoints({{0, 0, 0}, {1, 0, 0}}));
+  const unsigned a = set.addObject(object({{0, 0, 0}, {1, 0, 0}}));
   CRenderObject& o = *set.getObj(a);
   o.setSnapPointsExa({AcGePoint3d(1, 1, 0)});
   EXPECT_EQ(query(set, -50, -50, 50, 50), XY{}) << "exact data is drawn only under a matrix";
-  for (float dx : {0.0f, 20.0f}) {
-    CSimpleMatrix* m = new CSimpleMatrix;
-    m->setTranslate(dx, 0, 0);
-    o.addSmpMat(m);
-  }
+  for (float dx : {0.0f, 20.0f}) addShift(o, dx);
   EXPECT_EQ(query(set, -50, -50, 50, 50), (XY{{1, 1}, {21, 1}}));
   o.setSnapPoints({AcGePoint3d(-3, -3, 0)});
   o.clearSmpMat();
@@ -110,7 +94,7 @@ TEST(BjSnap, RandomEditsAgreeWithReadingEverything) {
       const unsigned id = ids.empty() ? 0 : ids[rng() % ids.size()];
       if (what == 0) {
         const AcGePoint3d p(coord(rng), coord(rng), 0);
-        const unsigned n = set.addObject(objectWithPoints({p, p + AcGeVector3d(3, 4, 0)}));
+        const unsigned n = set.addObject(object({p, p + AcGeVector3d(3, 4, 0)}));
         set.getObj(n)->AutoCountCatchPoint();
         ids.push_back(n);
       } else if (what == 1) {
@@ -133,7 +117,7 @@ TEST(BjSnap, RandomEditsAgreeWithReadingEverything) {
 TEST(BjSnap, BadBoxesAndPointsFindNothing) {
   CObjectSetMgr set;
   const double nan = std::nan("");
-  const unsigned a = set.addObject(objectWithPoints({{0, 0, 0}, {1, 0, 0}}));
+  const unsigned a = set.addObject(object({{0, 0, 0}, {1, 0, 0}}));
   set.getObj(a)->setSnapPoints({AcGePoint3d(nan, 0, 0), AcGePoint3d(0, 0, 0)});
   EXPECT_EQ(query(set, nan, -1, 1, 1), XY{});
   EXPECT_EQ(query(set, 1, 1, -1, -1), (XY{{0, 0}})) << "corners in any order";

@@ -14,11 +14,9 @@
 namespace {
 std::atomic<bool> g_counting{false};
 std::atomic<long> g_allocations{0};
-}  // namespace
 
 // Every array, sized and aligned form is replaced too, so that each
 // allocation (the GL driver's included) is freed by the matching function.
-namespace {
 void* counted(std::size_t n, std::size_t align) {
   if (g_counting) ++g_allocations;
   void* p = nullptr;

@@ -2,27 +2,13 @@
 // any order, display lists handed back on every path that drops them, and
 // accessors of empty lists. The memory faults these guard against show as
 // crashes or sanitizer reports.
-#include <epoxy/gl.h>
-
 #include "ObjectHelpers.h"
 #include "kxrender/CSceneMgr.h"
 #include "scene/SceneFixture.h"
 
 namespace {
 
-// Names of display lists alive in the current context among the first n.
-int liveLists(unsigned n = 4096) {
-  int live = 0;
-  for (unsigned id = 1; id <= n; ++id) live += glIsList(id) == GL_TRUE;
-  return live;
-}
-
-CRenderObject* faceObject(int shapes) {
-  auto* o = new CRenderObject;
-  for (int i = 0; i < shapes; ++i) o->addShape(faceTriangle());
-  o->endAddShape();
-  return o;
-}
+CRenderObject* faceObject(int shapes) { return objectOf(std::vector<CRenderShape>(size_t(shapes), faceTriangle())); }
 
 }  // namespace
 
@@ -100,10 +86,8 @@ class ObjectLists : public SceneFixture {
   }
   // Two frames: the first compiles lists and the second deletes the queue.
   void frames() {
-    scene.render();
-    scene.finish();
-    scene.render();
-    scene.finish();
+    frame();
+    frame();
   }
 };
 
@@ -112,29 +96,29 @@ TEST_F(ObjectLists, EveryPathThatDropsShapesReturnsTheirLists) {
   CRenderObject* o = faceObject(50);
   const unsigned id = set.addObject(o);
   frames();
-  EXPECT_EQ(liveLists(), 50);
+  EXPECT_EQ(liveLists(), 50u);
   // Growing past the capacity and trimming again move shapes, lists included.
   for (int i = 0; i < 50; ++i) o->addShape(faceTriangle());
   o->endAddShape();
   frames();
-  EXPECT_EQ(liveLists(), 100);
+  EXPECT_EQ(liveLists(), 100u);
   o->resize(30);
   frames();
-  EXPECT_EQ(liveLists(), 30);
+  EXPECT_EQ(liveLists(), 30u);
   const CRenderObject none;
   *o = none;
   frames();
-  EXPECT_EQ(liveLists(), 0);
+  EXPECT_EQ(liveLists(), 0u);
   for (int i = 0; i < 2; ++i) o->addShape(faceTriangle());
   frames();
   o->clearShape();
   frames();
-  EXPECT_EQ(liveLists(), 0);
+  EXPECT_EQ(liveLists(), 0u);
   o->addShape(faceTriangle());
   frames();
   set.delObject(id);
   frames();
-  EXPECT_EQ(liveLists(), 0);
+  EXPECT_EQ(liveLists(), 0u);
 }
 
 TEST_F(ObjectLists, LevelListsOfDifferentLengthsAreDrawnSafely) {
@@ -145,7 +129,7 @@ TEST_F(ObjectLists, LevelListsOfDifferentLengthsAreDrawnSafely) {
   o->getLodUnitsPerPixel().assign(4, 0.0f);
   scene.getObjSetMgr()->addObject(o);
   frames();
-  EXPECT_EQ(liveLists(), 1);
+  EXPECT_EQ(liveLists(), 1u);
 }
 
 TEST(SceneLifetime, DestroyedWithoutReleaseWhileObjectsHoldLists) {

@@ -10,12 +10,7 @@
 namespace {
 
 // Straight down through (x, y) from z = 100.
-struct Down {
-  bool hit;
-  double distance;
-  AcGePoint3d at;
-  unsigned shape;
-};
+struct Down { bool hit; double distance; AcGePoint3d at; unsigned shape; };
 Down down(const CRenderObject& o, double x, double y, bool flag = true) {
   Down d{false, -1, AcGePoint3d(-1, -1, -1), 99};
   d.hit = o.intersectRay(AcGePoint3d(x, y, 100), AcGePoint3d(x, y, -100), 0.1, flag, d.distance, d.at, d.shape);
@@ -34,13 +29,7 @@ TEST(ObjectRay, NearestShapeAlongTheRay) {
   o.addShape(shapetest::polyline({{0, 1, 7}, {4, 1, 7}}));
   o.addShape(rectShape(0, 0, 4, 4, 5));  // equal distance: the first stays
   o.endAddShape();
-  const struct {
-    const char* what;
-    double x, y;
-    bool flag, hit;
-    unsigned shape;
-    double distance;
-  } rows[] = {
+  const struct { const char* what; double x, y; bool flag, hit; unsigned shape; double distance; } rows[] = {
       {"upper face", 2, 2, true, true, 1, 95},
       {"polyline above both", 2, 1.05, true, true, 2, 93},
       {"without flag: no fill, no polyline", 2, 1.05, false, false, 99, -1},
@@ -62,11 +51,9 @@ TEST(ObjectRay, InstancedShapesOnlyUnderTheirMatrices) {
   o.addShape(rectShape(5, 5, 6, 6, 0));  // plain
   o.setExaGeoShapNum(1);
   EXPECT_FALSE(down(o, 0.5, 0.5).hit);  // drawn nowhere without a matrix
-  CSimpleMatrix* a = new CSimpleMatrix;
-  a->setTranslate(20, 0, 0);
+  addShift(o, 20);
   CSimpleMatrix* b = new CSimpleMatrix;
   b->setZMove(3);
-  o.addSmpMat(a);
   o.addSmpMat(b);
   o.endAddShape();
   Down d = down(o, 20.5, 0.5);
@@ -85,9 +72,7 @@ TEST(ObjectRay, InstancedShapesOnlyUnderTheirMatrices) {
   CRenderObject moved;
   moved.addShape(rectShape(0, 0, 1, 1, 0));
   moved.setExaGeoShapNum(1);
-  CSimpleMatrix* left = new CSimpleMatrix;
-  left->setTranslate(-5, 0, 0);
-  moved.addSmpMat(left);
+  addShift(moved, -5);
   moved.endAddShape();
   EXPECT_TRUE(moved.intersectRect(px(-4.8, 0.2, -4.2, 0.8), view()));
   EXPECT_FALSE(moved.intersectRect(px(0.2, 0.2, 0.8, 0.8), view()));
@@ -99,11 +84,7 @@ TEST(ObjectRect, AnyShapeCrossesEveryShapeInside) {
   o.addShape(rectShape(-8, -8, -6, -6, 0));
   o.addShape(shapetest::polyline({{4, 4, 0}, {8, 8, 0}}));
   o.endAddShape();
-  const struct {
-    const char* what;
-    CRect r;
-    bool crosses, inside;
-  } rows[] = {
+  const struct { const char* what; CRect r; bool crosses, inside; } rows[] = {
       {"around both", px(-9, -9, 9, 9), true, true},
       {"around one", px(-9, -9, 0, 0), true, false},
       {"across the line only", px(5, 5, 7, 7), true, false},

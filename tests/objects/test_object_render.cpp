@@ -36,13 +36,6 @@ bool near(const std::vector<uint8_t>& px, int r, int g, int b, int tol = 3) {
   return px.size() == 4 && std::abs(px[0] - r) <= tol && std::abs(px[1] - g) <= tol && std::abs(px[2] - b) <= tol;
 }
 
-CRenderObject* objectOf(std::vector<CRenderShape> shapes) {
-  CRenderObject* o = new CRenderObject;
-  for (const CRenderShape& s : shapes) o->addShape(s);
-  o->endAddShape();
-  return o;
-}
-
 }  // namespace
 
 TEST(ObjectSetPasses, ASetWithoutASceneMakesNoGLCalls) {
@@ -62,11 +55,6 @@ class ObjectFrame : public SceneFixture {
     scene.setLightOpen(false);  // exact colours in the frame
     scene.setRange(10.0);
     scene.setRetainedDraw(false);  // every frame makes the per-shape calls
-  }
-  CObjectSetMgr& set() { return *scene.getObjSetMgr(); }
-  void frame() {
-    scene.render();
-    scene.finish();
   }
 };
 
@@ -235,11 +223,7 @@ TEST_F(ObjectFrame, InstancedShapesAreDrawnOncePerMatrixAndNotWithoutOne) {
     frame();
     EXPECT_TRUE(colourCalls(rec, 255, 0, 0) == 0u && colourCalls(rec, 0, 0, 255) == 1u);
   }
-  for (float dx : {-5.0f, 5.0f}) {
-    CSimpleMatrix* m = new CSimpleMatrix;
-    m->setTranslate(dx, 0, 0);
-    o->addSmpMat(m);
-  }
+  for (float dx : {-5.0f, 5.0f}) addShift(*o, dx);
   GLRecorder rec(true);
   frame();
   EXPECT_EQ(colourCalls(rec, 255, 0, 0), 2u);
@@ -281,19 +265,6 @@ TEST_F(ObjectFrame, XorTrackingAndAcceleratedCullingOfSmallObjects) {
   expectSubsequence(rec, {"glEnable(3058)", "glLogicOp(5382)", "glDisable(3058)"});
   EXPECT_TRUE(o->renderedFlag1());
   EXPECT_EQ(colourCalls(rec, 1, 2, 3), 0u);
-}
-
-TEST_F(ObjectFrame, DeletedObjectsHandTheirDisplayListsToTheScene) {
-  CRenderObject* o = objectOf({faceTriangle()});
-  const unsigned id = set().addObject(o);
-  frame();
-  const unsigned list = o->getShape(0).getFaceDisplayList();
-  ASSERT_NE(list, 0u);
-  set().delObject(id);
-  EXPECT_EQ(scene.removedDispLists(), std::vector<unsigned>{list});
-  GLRecorder rec(true);
-  frame();
-  EXPECT_EQ(countText(rec, "glDeleteLists(" + std::to_string(list) + ", 1)"), 1u);
 }
 
 TEST_F(ObjectFrame, BadObjectsAndEmptySetsDrawWithoutHarm) {

@@ -129,9 +129,7 @@ TEST(ObjectSetAssistPoints, DuplicatesPerTypeAreIgnoredAndClearingKeepsOrder) {
 
 namespace {
 
-struct Box2 {
-  double x0, y0, x1, y1;
-};
+struct Box2 { double x0, y0, x1, y1; };
 
 bool meets(const CRenderObject* o, const Box2& q) {
   return o->ptMax().x >= q.x0 && o->ptMin().x <= q.x1 && o->ptMax().y >= q.y0 && o->ptMin().y <= q.y1;

@@ -1,23 +1,13 @@
 // Retained drawing against the per-shape path: real Mesa frames must match
 // pixel for pixel, before and after every change the display lists key on.
-#include <epoxy/gl.h>
-
 #include <functional>
 
 #include "ObjectHelpers.h"
 #include "kxrender/CSceneMgr.h"
-#include "platform/Win32Window.h"
 #include "scene/SceneFixture.h"
 #include "support/GLRecorder.h"
 
 namespace {
-
-CRenderObject* objectOf(const std::vector<CRenderShape>& shapes) {
-  CRenderObject* o = new CRenderObject;
-  for (const CRenderShape& s : shapes) o->addShape(s);
-  o->endAddShape();
-  return o;
-}
 
 class RetainedFrame : public SceneFixture {
  protected:
@@ -26,8 +16,6 @@ class RetainedFrame : public SceneFixture {
     scene.setLightOpen(false);
     scene.setRange(20.0);
   }
-  CObjectSetMgr& set() { return *scene.getObjSetMgr(); }
-
   // Bordered and scaled-border polygons, a polyline, a face mesh, an
   // instanced object, one with a coarser level, a wall seen from behind,
   // and objects small enough to be single points.
@@ -48,9 +36,7 @@ class RetainedFrame : public SceneFixture {
 
     CRenderObject* inst = objectOf({rectShape(2, -9, 4, -7, 0, CColor(0, 200, 200, 255)),
                                     rectShape(6, -3, 9, -1, 0, CColor(120, 0, 120, 255))});
-    CSimpleMatrix* m = new CSimpleMatrix;
-    m->setTranslate(0.0f, 3.0f, 0.0f);
-    inst->addSmpMat(m);
+    addShift(*inst, 0, 3);
     inst->setExaGeoShapNum(1);
     ids.push_back(set().addObject(inst));
 
@@ -71,19 +57,7 @@ class RetainedFrame : public SceneFixture {
 
   std::vector<uint8_t> frame(bool retained) {
     scene.setRetainedDraw(retained);
-    scene.render();
-    scene.finish();
-    std::vector<uint8_t> px;
-    int w = 0, h = 0;
-    EXPECT_TRUE(KxReadWindowPixels(window, px, w, h));
-    return px;
-  }
-
-  // Lists handed out and still alive in the context.
-  static size_t liveLists() {
-    size_t n = 0;
-    for (GLuint id = 1; id < 4096; ++id) n += glIsList(id) == GL_TRUE;
-    return n;
+    return frameRGBA();
   }
 
   std::vector<unsigned> ids;

@@ -1,7 +1,5 @@
 // Stencil shadow volumes: closed volumes from real shapes, and real frames
 // from Mesa in which ground pixels are dark exactly where geometry says.
-#include <epoxy/gl.h>
-
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -14,8 +12,6 @@
 #include "scene/SceneFixture.h"
 
 namespace {
-
-using Pts = std::vector<AcGePoint3d>;
 
 CRenderShape polygon(const Pts& pts, const std::vector<Pts>& holes, const AcGeVector3d& n) {
   CRenderShape s;
@@ -117,20 +113,17 @@ class ShadowFrame : public SceneFixture {
     open(200, 200);
     scene.setRange(10.0);
     scene.setShadow(true);
-    ground = objectOf({polygon({{-10, -10, 0}, {10, -10, 0}, {10, 10, 0}, {-10, 10, 0}}, {}, {0, 0, 1})}, false);
+    ground = caster({polygon({{-10, -10, 0}, {10, -10, 0}, {10, 10, 0}, {-10, 10, 0}}, {}, {0, 0, 1})}, false);
   }
-  CRenderObject* objectOf(const std::vector<CRenderShape>& shapes, bool casts = true) {
-    CRenderObject* o = new CRenderObject;
-    for (const CRenderShape& s : shapes) o->addShape(s);
-    o->endAddShape();
+  CRenderObject* caster(const std::vector<CRenderShape>& shapes, bool casts = true) {
+    CRenderObject* o = objectOf(shapes);
     o->setGenerateShadow(casts);
-    scene.getObjSetMgr()->addObject(o);
+    set().addObject(o);
     return o;
   }
   void frame(const float* light) {
     scene.setLightpos(light);
-    scene.render();
-    scene.finish();
+    SceneFixture::frame();
   }
   // Lit ground is about 150 bright; ground in shadow (ambient only) 60.
   int darkAt(const AcGePoint3d& p) {
@@ -177,7 +170,7 @@ const float kWestSun[4] = {-1, 0, 1, 0};
 }  // namespace
 
 TEST_F(ShadowFrame, ABoxShadesItsProjectedOutline) {
-  objectOf(boxShapes({-1, -1, 0}, {1, 1, 2}));
+  caster(boxShapes({-1, -1, 0}, {1, 1, 2}));
   frame(kWestSun);
   // The shadow runs from under the box to x = 3; the box hides x < 1.
   const int wrong = wrongGroundPixels([](double x, double y) { return inRect(x, y, 1, -1, 3, 1); },
@@ -190,7 +183,7 @@ TEST_F(ShadowFrame, ABoxShadesItsProjectedOutline) {
 }
 
 TEST_F(ShadowFrame, LightPassesThroughAWindowHole) {
-  objectOf({windowWall()});
+  caster({windowWall()});
   frame(kWestSun);
   // The wall (x = 0) shades x in [0, 4]; its window lets light onto x in
   // [1, 3], y in [-1, 1].
@@ -205,8 +198,8 @@ TEST_F(ShadowFrame, LightPassesThroughAWindowHole) {
 TEST_F(ShadowFrame, InnerRoofFacesAndUnflaggedObjectsCastNothing) {
   std::vector<CRenderShape> roof = boxShapes({-1, -1, 0}, {1, 1, 2});
   for (CRenderShape& s : roof) s.setXdata("\xE5\x9D\xA1\xE5\xB1\x8B\xE9\xA1\xB6", "\xE5\x86\x85\xE9\x9D\xA2");
-  objectOf(roof);
-  objectOf({windowWall()}, false);
+  caster(roof);
+  caster({windowWall()}, false);
   frame(kWestSun);
   EXPECT_EQ(darkAt({2, 0, 0}), 0);
   EXPECT_EQ(darkAt({2, 3, 0}), 0);
@@ -216,11 +209,7 @@ TEST_F(ShadowFrame, InstancedShapesCastUnderEachMatrix) {
   CRenderObject* o = new CRenderObject;
   for (const CRenderShape& s : boxShapes({-5, -1, 0}, {-4, 1, 1})) o->addShape(s);
   o->setExaGeoShapNum(6);
-  for (float dx : {0.0f, 6.0f}) {
-    CSimpleMatrix* m = new CSimpleMatrix;
-    m->setTranslate(dx, 0, 0);
-    o->addSmpMat(m);
-  }
+  for (float dx : {0.0f, 6.0f}) addShift(*o, dx);
   o->endAddShape();
   o->setGenerateShadow(true);
   scene.getObjSetMgr()->addObject(o);
@@ -234,7 +223,7 @@ TEST_F(ShadowFrame, InstancedShapesCastUnderEachMatrix) {
 // Depth-fail counting does not care where the eye is: looking from inside
 // the volume, down onto the shaded ground, gives the same shadow.
 TEST_F(ShadowFrame, TheShadowHoldsWithTheEyeInsideTheVolume) {
-  objectOf(boxShapes({-1, -1, 0}, {1, 1, 2}));
+  caster(boxShapes({-1, -1, 0}, {1, 1, 2}));
   const AcGeVector3d forward = AcGeVector3d(-1, -0.4, -1.5).normal();
   const AcGeVector3d up = forward.crossProduct(AcGeVector3d(0, 0, 1)).crossProduct(forward).normal();
   // (1.5, 0, 0.5) lies in the shadow volume, east of the box.
@@ -252,7 +241,7 @@ TEST_F(ShadowFrame, TheShadowHoldsWithTheEyeInsideTheVolume) {
 // A light that is no light draws no shadow, and the frame is otherwise
 // whole: the ground lit everywhere, the box top drawn.
 TEST_F(ShadowFrame, BadLightsDrawNoShadowAndLeaveTheFrameWhole) {
-  objectOf(boxShapes({-1, -1, 0}, {1, 1, 2}));
+  caster(boxShapes({-1, -1, 0}, {1, 1, 2}));
   const float nan = std::numeric_limits<float>::quiet_NaN();
   const float lights[][4] = {{0, 0, 0, 0}, {nan, 0, 1, 0}, {0, 0, 1, 1}};
   for (const float* l : lights) {
@@ -266,15 +255,10 @@ TEST_F(ShadowFrame, BadLightsDrawNoShadowAndLeaveTheFrameWhole) {
 }
 
 TEST_F(ShadowFrame, MovingTheLightKeepsOneListPerCastingObject) {
-  CRenderObject* box = objectOf(boxShapes({-1, -1, 0}, {1, 1, 2}));
-  CRenderObject* wall = objectOf({windowWall()});
-  auto liveLists = [] {
-    int n = 0;
-    for (GLuint id = 1; id < 5000; ++id) n += glIsList(id);
-    return n;
-  };
+  CRenderObject* box = caster(boxShapes({-1, -1, 0}, {1, 1, 2}));
+  CRenderObject* wall = caster({windowWall()});
   frame(kWestSun);
-  const int before = liveLists();
+  const size_t before = liveLists();
   const unsigned boxList = box->getShadowVolumeList();
   EXPECT_NE(boxList, 0u);
   EXPECT_NE(wall->getShadowVolumeList(), 0u);

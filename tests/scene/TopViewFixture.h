@@ -2,23 +2,7 @@
 // The default top view of an 800 x 600 scene (world x to the right, y up)
 // with builders for hand-placed objects, shared by the pick and snap tests.
 #include "SceneFixture.h"
-
-typedef std::vector<AcGePoint3d> Pts;
-
-inline CRenderObject* object(const Pts& pts, CRenderShape::ShapeType kind = CRenderShape::kPline,
-                             const std::vector<Pts>& holes = {}, AcGeVector3d normal = AcGeVector3d(0, 0, 1)) {
-  CRenderObject* o = new CRenderObject;
-  CRenderShape s;
-  s.set(pts, holes, kind, CColor(), normal);
-  o->addShape(s);
-  o->endAddShape();
-  return o;
-}
-
-// The world rectangle (x0, y0)-(x1, y1) at height z as a polygon.
-inline CRenderObject* worldBox(double x0, double y0, double x1, double y1, double z = 0) {
-  return object({{x0, y0, z}, {x1, y0, z}, {x1, y1, z}, {x0, y1, z}}, CRenderShape::kPgon);
-}
+#include "objects/ObjectHelpers.h"
 
 class TopViewFixture : public SceneFixture {
  protected:
@@ -28,7 +12,6 @@ class TopViewFixture : public SceneFixture {
   }
 
  public:  // reached from table rows' builders
-  CObjectSetMgr& set() { return *scene.getObjSetMgr(); }
   // World point on z = 0 under window position (x, y), fractions allowed.
   AcGePoint3d at(double x, double y) {
     const AcGePoint3d o = scene.screen2world(CPoint(0, 0), CSceneMgr::PLANE_XY);

@@ -21,11 +21,7 @@ struct CSceneMgrTestAccess {
 
 namespace {
 // What the host's callback saw: how often it ran, and the view the last time.
-struct Seen {
-  int calls = 0;
-  CCamera camera;
-  double range = 0.0;
-} g_seen;
+struct Seen { int calls = 0; CCamera camera; double range = 0.0; } g_seen;
 void remember(CSceneMgr* s) { g_seen = {g_seen.calls + 1, *s->camera(), s->dRange()}; }
 
 bool sameView(const CCamera& a, const CCamera& b) {
@@ -43,9 +39,6 @@ class Navigation : public TopViewFixture {
     g_seen = Seen();
     scene.SetScene2ModelFunPtr(remember);
   }
-  // Redraws so that the conversions use the new view.
-  void frame() { scene.render(); }
-  AcGePoint3d onGround(const CPoint& p) { return scene.screen2world(p, CSceneMgr::PLANE_XY); }
   // The host's callback ran last on the finished view.
   bool sawFinishedView() { return sameView(g_seen.camera, *scene.camera()) && g_seen.range == scene.dRange(); }
 };
@@ -93,14 +86,14 @@ TEST_F(Navigation, ZoomPanAndWheelKeepTheirPointsRecordAndCallBack) {
     scene.setRange(150.0);
     frame();
     g_seen = Seen();
-    const AcGePoint3d grabbed = onGround(r.from);
+    const AcGePoint3d grabbed = scene.screen2world(r.from, CSceneMgr::PLANE_XY);
     r.op(scene);
     EXPECT_DOUBLE_EQ(scene.dRange(), r.range) << r.what;
     if (r.history >= 0) EXPECT_EQ(scene.cameraHistorySize(), size_t(r.history)) << r.what;
     EXPECT_EQ(g_seen.calls, r.calls) << r.what;
     if (r.calls) EXPECT_TRUE(sawFinishedView()) << r.what;
     if (r.from.x < 0) continue;
-    frame();
+    frame();  // the conversions use the new view
     const CPoint at = scene.world2screen(grabbed);
     EXPECT_TRUE(std::abs(at.x - r.to.x) <= 1 && std::abs(at.y - r.to.y) <= 1) << r.what << ": " << at.x << ", " << at.y;
   }

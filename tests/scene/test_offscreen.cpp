@@ -91,14 +91,6 @@ class OffscreenScene : public SceneFixture {
     scene.camera()->ReSet(AcGeVector3d(0.0, 0.0, 0.0), up, forward);
     scene.zoomE();
   }
-  std::vector<uint8_t> windowFrame() {
-    scene.render();
-    scene.finish();
-    std::vector<uint8_t> rgba;
-    int w = 0, h = 0;
-    EXPECT_TRUE(KxReadWindowPixels(window, rgba, w, h));
-    return rgba;
-  }
   void TearDown() override {
     scene.ClearDibData();
     SceneFixture::TearDown();
@@ -124,7 +116,7 @@ TEST_F(OffscreenScene, BitmapIsLandscapeAndKeepsItsFirstSize) {
 
 TEST_F(OffscreenScene, BitmapFrameMatchesTheWindowFrame) {
   openTower(200, 120);
-  const std::vector<uint8_t> before = windowFrame();
+  const std::vector<uint8_t> before = frameRGBA();
   scene.setDibSize(200, 120);
   scene.renderToDib();
   const DIBSection& dib = *CSceneMgr::getDibPtr();
@@ -153,7 +145,7 @@ TEST_F(OffscreenScene, BitmapFrameMatchesTheWindowFrame) {
   EXPECT_GT(drawn, 1000u);
   // Back in the window, its lists are rebuilt: the same frame again.
   scene.ClearDibData();
-  EXPECT_EQ(windowFrame(), before);
+  EXPECT_EQ(frameRGBA(), before);
 }
 
 namespace {
@@ -172,7 +164,7 @@ std::vector<uint8_t> picture(CSceneMgr& scene, int w, int h, int tileW, int tile
 
 TEST_F(OffscreenScene, TiledPictureMatchesOnePiece) {
   openTower(80, 60);
-  windowFrame();
+  frameRGBA();
   const int W = 4000, H = 3000, TW = 1301, TH = 750;  // made 1280 x 736, the top band 56 rows
   const std::vector<uint8_t> whole = picture(scene, W, H, W, H);
   const std::vector<uint8_t> tiled = picture(scene, W, H, TW, TH);
@@ -214,7 +206,7 @@ TEST_F(OffscreenScene, TiledPictureMatchesOnePiece) {
 
 TEST_F(OffscreenScene, ExportWritesPngOrNothing) {
   openTower(80, 60);
-  windowFrame();
+  frameRGBA();
   const std::string path = ::testing::TempDir() + "kx_export.png";
   ASSERT_TRUE(scene.renderToImageTiled(90, 70, path.c_str()));
   unsigned w = 0, h = 0;

@@ -15,11 +15,7 @@ class ScenePick : public TopViewFixture {
     scene.render();
     return id;
   }
-  struct Picked {
-    bool ok;
-    unsigned id, shape;
-    int extra;
-  };
+  struct Picked { bool ok; unsigned id, shape; int extra; };
   Picked pickAt(int x, int y, CSceneMgr::PickType type = 0, bool flag = true) {
     Picked p{false, 777, 777, -1};
     p.ok = scene.pick(CPoint(x, y), p.id, p.shape, type, &p.extra, flag);
@@ -95,11 +91,7 @@ TEST_F(ScenePick, WindowAndCrossingOnADiagonalStrip) {
   const AcGeVector3d across = (at(1, 0) - at(0, 0)) * 3;
   const unsigned strip = add(object({p - across, q - across, q + across, p + across}, CRenderShape::kPgon));
   const unsigned dot = add(object(rect(200, 120, 220, 100), CRenderShape::kPgon));
-  const struct {
-    const char* what;
-    CPoint p1, p2;
-    std::vector<unsigned> ids;
-  } rows[] = {
+  const struct { const char* what; CPoint p1, p2; std::vector<unsigned> ids; } rows[] = {
       {"crossing inside the box, off the strip", {300, 200}, {180, 80}, {dot}},
       {"window inside the box, off the strip", {180, 80}, {300, 200}, {dot}},
       {"crossing over the strip", {420, 320}, {380, 280}, {strip}},
@@ -124,7 +116,7 @@ TEST_F(ScenePick, BadInputSelectsNothing) {
   std::vector<unsigned> ids{9};
   EXPECT_FALSE(scene.pick(CPoint(400, 300), id, shape, 0, nullptr, true));  // empty set
   EXPECT_FALSE(scene.pick(CPoint(0, 0), CPoint(800, 600), ids));
-  add(worldBox(-500, -500, 500, 500));
+  add(rectObject(-500, -500, 500, 500));
   const CPoint outside[] = {{-1, 300}, {800, 300}, {400, 600}, {400, -40}};
   for (const CPoint& pt : outside) EXPECT_FALSE(scene.pick(pt, id, shape, 0, nullptr, true)) << pt.x << "," << pt.y;
   const CPoint rects[][2] = {{{10, 10}, {10, 200}},
@@ -148,7 +140,7 @@ TEST_F(ScenePick, BadInputSelectsNothing) {
 }
 
 TEST_F(ScenePick, SetHitAndHighLightOneShape) {
-  CRenderObject* o = worldBox(0, 0, 1, 1);
+  CRenderObject* o = rectObject(0, 0, 1, 1);
   o->addShape(o->getShape(0));
   const unsigned id = add(o);
   scene.setHit(id, 1, true);
@@ -167,7 +159,7 @@ TEST_F(ScenePick, SearchTreeAgreesWithTestingEveryObject) {
   for (int i = 0; i < 3000; ++i) {
     const double x = u(rng), y = u(rng) * 0.75, w = size(rng), h = size(rng), d = z(rng);
     CRenderObject* o = i % 4 == 3 ? object({{x, y, d}, {x + w, y + h, d}}, CRenderShape::kPline)
-                                  : worldBox(x, y, x + w, y + h, d);
+                                  : rectObject(x, y, x + w, y + h, d);
     if (i % 37 == 0) o->setVisible(false);
     if (i % 5 == 0) o->setRenderMode(CRenderObject::RenderMode(0));
     set().addObject(o);

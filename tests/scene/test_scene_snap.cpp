@@ -27,11 +27,7 @@ class SceneSnap : public TopViewFixture {
     set().addObject(o);
     return *o;
   }
-  struct Snapped {
-    bool ok;
-    AcGePoint3d pt;
-    CRenderObject::SnapMode kind;
-  };
+  struct Snapped { bool ok; AcGePoint3d pt; CRenderObject::SnapMode kind; };
   Snapped snapAt(int x, int y, unsigned long mask, int aperture = 12, double tol = 1e-3) {
     Snapped s{false, AcGePoint3d(-7, -7, -7), CRenderObject::SnapMode(999)};
     scene.setSnapMode(mask);
@@ -128,12 +124,7 @@ TEST_F(SceneSnap, PriorityAmongKindsInTheAperture) {
   set().getObj(1)->setSnapPoints({at(306, 304)});
   scene.setSnapFirstPt(true, at(398, 100));
   scene.render();
-  const struct {
-    unsigned long mask;
-    int x, y;
-    CRenderObject::SnapMode kind;
-    double px, py;
-  } rows[] = {
+  const struct { unsigned long mask; int x, y; CRenderObject::SnapMode kind; double px, py; } rows[] = {
       // The end point 6 px away beats the nearest point 2 px away; a node
       // is of the end point's rank.
       {CRenderObject::kSnapEndPoint | CRenderObject::kSnapNearest, 306, 302, CRenderObject::kSnapEndPoint, 300, 300},
@@ -181,11 +172,7 @@ TEST_F(SceneSnap, ExactDataSnapsUnderEachInstanceMatrix) {
   o->setExaGeoShapNum(1);
   o->setSnapCurvesExa(outline(sq));
   const AcGeVector3d shift = at(500, 200) - at(200, 200);
-  for (double dx : {0.0, shift.x}) {
-    CSimpleMatrix* m = new CSimpleMatrix;
-    m->setTranslate(float(dx), 0, 0);
-    o->addSmpMat(m);
-  }
+  for (double dx : {0.0, shift.x}) addShift(*o, float(dx));
   o->calBox();
   add(o);
   scene.render();

@@ -5,10 +5,7 @@
 
 namespace {
 
-struct View {
-  AcGeVector3d loc, fwd, up;
-  double range;
-};
+struct View { AcGeVector3d loc, fwd, up; double range; };
 View viewOf(CSceneMgr& s) {
   return {s.camera()->GetVLocation(), s.camera()->GetVForward(), s.camera()->GetVUp(), s.dRange()};
 }
@@ -22,9 +19,9 @@ class ViewExtras : public TopViewFixture {};
 }  // namespace
 
 TEST_F(ViewExtras, ZoomToObjectsFramesTheirBoxes) {
-  const unsigned a = set().addObject(worldBox(0, 0, 10, 5, 0));
-  const unsigned b = set().addObject(worldBox(20, -5, 30, 0, 3));
-  set().addObject(worldBox(100, 100, 110, 110, 0));
+  const unsigned a = set().addObject(rectObject(0, 0, 10, 5, 0));
+  const unsigned b = set().addObject(rectObject(20, -5, 30, 0, 3));
+  set().addObject(rectObject(100, 100, 110, 110, 0));
   set().freshBox();
   struct Row {
     double turn;  // about world z, then tilt: an oblique view
@@ -62,7 +59,7 @@ TEST_F(ViewExtras, ZoomToObjectsFramesTheirBoxes) {
 }
 
 TEST_F(ViewExtras, CursorPivotIsThePickedPoint) {
-  set().addObject(worldBox(-50, -50, 50, 50, 5));
+  set().addObject(rectObject(-50, -50, 50, 50, 5));
   set().freshBox();
   scene.zoomE();
   scene.render();
