@@ -11,26 +11,9 @@
 #include "kxrender/CSceneMgr.h"
 #include "platform/Win32Window.h"
 #include "platform/WindowImpl.h"
-
-#include <X11/Xlib.h>
+#include "platform/X11Host.h"
 
 namespace {
-
-struct X11Host {
-  Display* display = XOpenDisplay(nullptr);
-  Window xwin = 0;
-  X11Host() {
-    if (!display) return;
-    xwin = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 64, 48, 0, 0, 0);
-    XMapWindow(display, xwin);
-    XSync(display, False);
-  }
-  ~X11Host() {
-    if (!display) return;
-    XDestroyWindow(display, xwin);
-    XCloseDisplay(display);
-  }
-};
 
 struct Bits {
   GLint alpha = 0, depth = 0, stencil = 0;
@@ -50,7 +33,7 @@ Bits currentBits() {
 TEST(SceneBinding, OneFormatServesX11AndOffscreenWindowsInEitherOrder) {
   // One host connection for both orders: the engine keeps the EGL display it
   // made for an X display, so a host must not close a display it bound.
-  X11Host host;
+  X11Host host(64, 48);
   if (!host.display) GTEST_SKIP() << "no X display";
   for (bool x11First : {true, false}) {
     SCOPED_TRACE(x11First ? "X11 first" : "off-screen first");
