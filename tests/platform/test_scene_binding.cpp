@@ -5,6 +5,7 @@
 
 #include <epoxy/gl.h>
 
+#include <array>
 #include <atomic>
 #include <thread>
 
@@ -15,14 +16,12 @@
 
 namespace {
 
-struct Bits {
-  GLint alpha = 0, depth = 0, stencil = 0;
-};
-Bits currentBits() {
-  Bits b;
-  glGetIntegerv(GL_ALPHA_BITS, &b.alpha);
-  glGetIntegerv(GL_DEPTH_BITS, &b.depth);
-  glGetIntegerv(GL_STENCIL_BITS, &b.stencil);
+// Alpha, depth and stencil bits of the current context.
+std::array<GLint, 3> currentBits() {
+  std::array<GLint, 3> b{};
+  glGetIntegerv(GL_ALPHA_BITS, &b[0]);
+  glGetIntegerv(GL_DEPTH_BITS, &b[1]);
+  glGetIntegerv(GL_STENCIL_BITS, &b[2]);
   return b;
 }
 
@@ -43,14 +42,11 @@ TEST(SceneBinding, OneFormatServesX11AndOffscreenWindowsInEitherOrder) {
     CSceneMgr::g_nPixelFormat = 0;
     CSceneMgr first, second;
     ASSERT_TRUE(first.initializeRender(x11First ? x11 : offscreen, false, false));
-    const Bits chosen = currentBits();
-    EXPECT_EQ(chosen.alpha, 8);
-    EXPECT_GE(chosen.stencil, 8);
+    const std::array<GLint, 3> chosen = currentBits();
+    EXPECT_EQ(chosen[0], 8);
+    EXPECT_GE(chosen[2], 8);
     ASSERT_TRUE(second.initializeRender(x11First ? offscreen : x11, false, false));
-    const Bits other = currentBits();
-    EXPECT_EQ(other.alpha, chosen.alpha);
-    EXPECT_EQ(other.depth, chosen.depth);
-    EXPECT_EQ(other.stencil, chosen.stencil);
+    EXPECT_EQ(currentBits(), chosen);
     second.glRelease();
     first.glRelease();
     KxDestroyWindow(offscreen);
