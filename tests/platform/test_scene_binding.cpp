@@ -5,41 +5,23 @@
 
 #include <epoxy/gl.h>
 
+#include <array>
 #include <atomic>
 #include <thread>
 
 #include "kxrender/CSceneMgr.h"
 #include "platform/Win32Window.h"
 #include "platform/WindowImpl.h"
-
-#include <X11/Xlib.h>
+#include "platform/X11Host.h"
 
 namespace {
 
-struct X11Host {
-  Display* display = XOpenDisplay(nullptr);
-  Window xwin = 0;
-  X11Host() {
-    if (!display) return;
-    xwin = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 64, 48, 0, 0, 0);
-    XMapWindow(display, xwin);
-    XSync(display, False);
-  }
-  ~X11Host() {
-    if (!display) return;
-    XDestroyWindow(display, xwin);
-    XCloseDisplay(display);
-  }
-};
-
-struct Bits {
-  GLint alpha = 0, depth = 0, stencil = 0;
-};
-Bits currentBits() {
-  Bits b;
-  glGetIntegerv(GL_ALPHA_BITS, &b.alpha);
-  glGetIntegerv(GL_DEPTH_BITS, &b.depth);
-  glGetIntegerv(GL_STENCIL_BITS, &b.stencil);
+// Alpha, depth and stencil bits of the current context.
+std::array<GLint, 3> currentBits() {
+  std::array<GLint, 3> b{};
+  glGetIntegerv(GL_ALPHA_BITS, &b[0]);
+  glGetIntegerv(GL_DEPTH_BITS, &b[1]);
+  glGetIntegerv(GL_STENCIL_BITS, &b[2]);
   return b;
 }
 
@@ -50,7 +32,7 @@ Bits currentBits() {
 TEST(SceneBinding, OneFormatServesX11AndOffscreenWindowsInEitherOrder) {
   // One host connection for both orders: the engine keeps the EGL display it
   // made for an X display, so a host must not close a display it bound.
-  X11Host host;
+  X11Host host(64, 48);
   if (!host.display) GTEST_SKIP() << "no X display";
   for (bool x11First : {true, false}) {
     SCOPED_TRACE(x11First ? "X11 first" : "off-screen first");
@@ -60,14 +42,11 @@ TEST(SceneBinding, OneFormatServesX11AndOffscreenWindowsInEitherOrder) {
     CSceneMgr::g_nPixelFormat = 0;
     CSceneMgr first, second;
     ASSERT_TRUE(first.initializeRender(x11First ? x11 : offscreen, false, false));
-    const Bits chosen = currentBits();
-    EXPECT_EQ(chosen.alpha, 8);
-    EXPECT_GE(chosen.stencil, 8);
+    const std::array<GLint, 3> chosen = currentBits();
+    EXPECT_EQ(chosen[0], 8);
+    EXPECT_GE(chosen[2], 8);
     ASSERT_TRUE(second.initializeRender(x11First ? offscreen : x11, false, false));
-    const Bits other = currentBits();
-    EXPECT_EQ(other.alpha, chosen.alpha);
-    EXPECT_EQ(other.depth, chosen.depth);
-    EXPECT_EQ(other.stencil, chosen.stencil);
+    EXPECT_EQ(currentBits(), chosen);
     second.glRelease();
     first.glRelease();
     KxDestroyWindow(offscreen);

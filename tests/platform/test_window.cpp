@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "platform/ChooseFormat.h"
 #include "platform/Win32Window.h"
 
 namespace {
@@ -12,18 +13,6 @@ struct Window {
   Window(int w, int h) : hwnd(KxCreateOffscreenWindow(w, h)) {}
   ~Window() { KxDestroyWindow(hwnd); }
 };
-
-int depthStencilFormat(HDC dc) {
-  PIXELFORMATDESCRIPTOR want = {};
-  want.nSize = sizeof want;
-  want.dwFlags = PFD_DOUBLEBUFFER | PFD_SUPPORT_OPENGL | PFD_DRAW_TO_WINDOW;
-  want.iPixelType = PFD_TYPE_RGBA;
-  want.cColorBits = 24;
-  want.cAlphaBits = 8;
-  want.cDepthBits = 24;
-  want.cStencilBits = 8;
-  return ChoosePixelFormat(dc, &want);
-}
 }  // namespace
 
 TEST(OffscreenWindow, ClientRectResizeAndDestroy) {
@@ -62,7 +51,7 @@ TEST(PixelFormat, NumberedFromOneAndSetOnce) {
   PIXELFORMATDESCRIPTOR pfd;
   EXPECT_EQ(DescribePixelFormat(dc, 0, sizeof pfd, &pfd), 0);
   EXPECT_EQ(DescribePixelFormat(dc, count + 1, sizeof pfd, &pfd), 0);
-  const int chosen = depthStencilFormat(dc);
+  const int chosen = chooseFormat(dc, 24, 8, 24, 8);
   ASSERT_GE(chosen, 1);
   ASSERT_EQ(DescribePixelFormat(dc, chosen, sizeof pfd, &pfd), count);
   EXPECT_TRUE(pfd.dwFlags & PFD_DOUBLEBUFFER);
@@ -82,7 +71,7 @@ TEST(Context, DrawSwapAndReadBack) {
   Window win(40, 30);
   HDC dc = GetDC(win.hwnd);
   EXPECT_EQ(wglCreateContext(dc), nullptr);  // no pixel format yet
-  ASSERT_TRUE(SetPixelFormat(dc, depthStencilFormat(dc), nullptr));
+  ASSERT_TRUE(SetPixelFormat(dc, chooseFormat(dc, 24, 8, 24, 8), nullptr));
   HGLRC rc = wglCreateContext(dc);
   ASSERT_TRUE(rc);
   ASSERT_TRUE(wglMakeCurrent(dc, rc));

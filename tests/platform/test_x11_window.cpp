@@ -6,36 +6,24 @@
 #include <epoxy/egl.h>
 #include <epoxy/gl.h>
 
+#include "platform/ChooseFormat.h"
 #include "platform/Win32Window.h"
-
-#include <X11/Xlib.h>
+#include "platform/X11Host.h"
 
 TEST(X11Window, AttachDrawAndSwap) {
-  Display* display = XOpenDisplay(nullptr);
-  if (!display) GTEST_SKIP() << "no X display";
-  const int screen = DefaultScreen(display);
-  Window xwin = XCreateSimpleWindow(display, RootWindow(display, screen), 0, 0, 160, 120, 0, 0, 0);
-  XMapWindow(display, xwin);
-  XSync(display, False);
-
-  HWND hwnd = KxAttachX11Window(display, xwin);
+  X11Host host(160, 120);
+  if (!host.display) GTEST_SKIP() << "no X display";
+  Display* display = host.display;
+  HWND hwnd = KxAttachX11Window(display, host.xwin);
   ASSERT_TRUE(hwnd);
   RECT rc;
   ASSERT_TRUE(GetClientRect(hwnd, &rc));
   EXPECT_EQ(rc.right, 160);
   EXPECT_EQ(rc.bottom, 120);
   HDC dc = GetDC(hwnd);
-  PIXELFORMATDESCRIPTOR want = {};
-  want.dwFlags = PFD_DOUBLEBUFFER;
-  want.iPixelType = PFD_TYPE_RGBA;
-  want.cColorBits = 24;
-  want.cDepthBits = 24;
-  want.cStencilBits = 8;
-  const int format = ChoosePixelFormat(dc, &want);
+  const int format = chooseFormat(dc, 24, 0, 24, 8);
   if (format == 0) {
     KxDestroyWindow(hwnd);
-    XDestroyWindow(display, xwin);
-    XCloseDisplay(display);
     GTEST_SKIP() << "no EGL config matches the window's visual";
   }
   ASSERT_TRUE(SetPixelFormat(dc, format, nullptr));
@@ -49,7 +37,7 @@ TEST(X11Window, AttachDrawAndSwap) {
   for (int frame = 0; frame < 3; ++frame) ASSERT_TRUE(GetClientRect(hwnd, &rc));
   EXPECT_EQ(XNextRequest(display), request);
   // ... and learnt again when the host reports a resize.
-  XResizeWindow(display, xwin, 200, 90);
+  XResizeWindow(display, host.xwin, 200, 90);
   XSync(display, False);
   ASSERT_TRUE(GetClientRect(hwnd, &rc));
   EXPECT_EQ(rc.right, 160);
@@ -62,8 +50,6 @@ TEST(X11Window, AttachDrawAndSwap) {
   wglDeleteContext(ctx);
   KxDestroyWindow(hwnd);
   EXPECT_FALSE(KxNotifyWindowResized(hwnd));
-  XDestroyWindow(display, xwin);
-  XCloseDisplay(display);
 }
 
 // A host closes its Display and opens another, which malloc usually puts
@@ -75,20 +61,15 @@ TEST(X11Window, ReopenedDisplayDrawsAgain) {
   if (!keeper) GTEST_SKIP() << "no X display";
   void* previous = nullptr;
   for (int round = 0; round < 3; ++round) {
-    Display* display = XOpenDisplay(nullptr);
+    const X11Host host(40, 30);
+    Display* display = host.display;
     ASSERT_TRUE(display) << "round " << round;
     if (round > 0 && display != previous) std::printf("round %d: the Display got a new address\n", round);
     previous = display;
-    Window xwin = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 40, 30, 0, 0, 0);
-    XMapWindow(display, xwin);
-    XSync(display, False);
-    HWND hwnd = KxAttachX11Window(display, xwin);
+    HWND hwnd = KxAttachX11Window(display, host.xwin);
     ASSERT_TRUE(hwnd);
     HDC dc = GetDC(hwnd);
-    PIXELFORMATDESCRIPTOR want = {};
-    want.iPixelType = PFD_TYPE_RGBA;
-    want.cColorBits = 24;
-    const int format = ChoosePixelFormat(dc, &want);
+    const int format = chooseFormat(dc, 24, 0, 0, 0);
     ASSERT_TRUE(format != 0 && SetPixelFormat(dc, format, nullptr));
     HGLRC ctx = wglCreateContext(dc);
     ASSERT_TRUE(ctx && wglMakeCurrent(dc, ctx));
@@ -104,8 +85,6 @@ TEST(X11Window, ReopenedDisplayDrawsAgain) {
     // With its last window and context gone, nothing holds the display.
     EGLDisplay egl = eglGetPlatformDisplayEXT(EGL_PLATFORM_X11_KHR, display, nullptr);
     EXPECT_EQ(eglQueryString(egl, EGL_VERSION), nullptr) << "round " << round;
-    XDestroyWindow(display, xwin);
-    XCloseDisplay(display);
   }
   XCloseDisplay(keeper);
 }
