@@ -402,6 +402,9 @@ int main(int argc, char** argv) {
       std::fprintf(stderr, "kxbench: sizes are M, XL, text or STOREYSxBAYS, not %s\n", size.c_str());
       return 2;
     }
+    // Each size's peak is its own, not that of a larger size run before it
+    // (what that one freed may still be resident, and counts).
+    resetPeakMemory();
     registerSize(size, storeys, bays);
     double peak = 0.0;
     BenchTable::Collector collector(table, size);
