@@ -42,6 +42,19 @@ void noUnmap(thandle_t, void*, toff_t) {}
 // Bad files are answered with false, not with text on stderr.
 int quiet(TIFF*, void*, const char*, const char*, va_list) { return 1; }
 
+// Whether every strip or tile the image needs lies inside the file. A few
+// hundred bytes may declare a raster of hundreds of megabytes: such a file
+// is refused before that raster is made.
+bool chunksInsideFile(TIFF* tif, uint64_t fileSize) {
+  const uint32_t chunks = TIFFIsTiled(tif) ? TIFFNumberOfTiles(tif) : TIFFNumberOfStrips(tif);
+  if (chunks == 0) return false;
+  for (uint32_t i = 0; i < chunks; ++i) {
+    const uint64_t at = TIFFGetStrileOffset(tif, i), n = TIFFGetStrileByteCount(tif, i);
+    if (n == 0 || at > fileSize || n > fileSize - at) return false;
+  }
+  return true;
+}
+
 struct TiffCloser {
   void operator()(TIFF* tif) const { TIFFClose(tif); }
 };
@@ -63,7 +76,7 @@ bool decodeTiff(const uint8_t* data, size_t size, DecodedImage& out) {
   uint32_t width = 0, height = 0;
   char why[1024];
   if (!TIFFGetField(tif.get(), TIFFTAG_IMAGEWIDTH, &width) || !TIFFGetField(tif.get(), TIFFTAG_IMAGELENGTH, &height) ||
-      !imageSizeAllowed(width, height) || !TIFFRGBAImageOK(tif.get(), why))
+      !imageSizeAllowed(width, height) || !TIFFRGBAImageOK(tif.get(), why) || !chunksInsideFile(tif.get(), size))
     return false;
   // Left uninitialised so that a file whose data ends early touches little.
   std::unique_ptr<uint32_t[]> raster(new (std::nothrow) uint32_t[size_t(width) * height]);
