@@ -16,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include <malloc.h>
 #include <unistd.h>
 
 #include "BenchTable.h"
@@ -402,8 +403,10 @@ int main(int argc, char** argv) {
       std::fprintf(stderr, "kxbench: sizes are M, XL, text or STOREYSxBAYS, not %s\n", size.c_str());
       return 2;
     }
-    // Each size's peak is its own, not that of a larger size run before it
-    // (what that one freed may still be resident, and counts).
+    // Each size starts as a fresh process would: what the size before freed
+    // goes back to the system, so the build faults in its own memory and the
+    // peak is this size's alone.
+    malloc_trim(0);
     resetPeakMemory();
     registerSize(size, storeys, bays);
     double peak = 0.0;
