@@ -14,7 +14,7 @@ namespace kximport {
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
-constexpr size_t kMaxSmoothFan = 4096;
+constexpr size_t kMaxSmoothFacings = 1024;
 
 // Unnormalised normal (twice the area) of triangle t.
 AcGeVector3d areaNormal(const std::vector<AcGePoint3d>& pts, const std::vector<int>& tris, size_t t) {
@@ -86,25 +86,48 @@ void creaseNormals(std::vector<AcGePoint3d>& pts, std::vector<int>& tris, std::v
   std::vector<AcGeVector3d> outNormals;
   std::vector<AcGePoint2d> outUv;
   std::vector<int> outTris(tris.size());
-  // Per position: its corners keyed by normal and texture coordinates
-  // (bit patterns, which order NaN too); corners with equal keys share one
-  // vertex.
+  // Per position: the distinct face normals around it, each with the sum
+  // of its corners' angles. Averaging compares every two of them; a fan of
+  // many equal faces (a flat disc's centre) costs one comparison, and past
+  // a thousand distinct faces at one point (a hostile file) corners keep
+  // their face's normal, so the time stays bounded.
+  struct Facing {
+    AcGeVector3d n;
+    double weight;
+    AcGeVector3d smooth;
+  };
+  std::vector<Facing> facings;
+  std::vector<size_t> facingOf(tris.size());
+  // Corners keyed by normal and texture coordinates (bit patterns, which
+  // order NaN too); corners with equal keys share one vertex.
   using Key = std::tuple<uint64_t, uint64_t, uint64_t, uint64_t, uint64_t>;
   std::vector<std::pair<Key, size_t>> keyed;
   for (size_t v = 0; v < pts.size(); ++v) {
     keyed.clear();
-    // Averaging compares every two corners at a position: past a fan of
-    // thousands of triangles (rare, or hostile) corners keep their face's
-    // normal, so the time stays bounded.
-    const bool flat = first[v + 1] - first[v] > kMaxSmoothFan;
     for (size_t i = first[v]; i < first[v + 1]; ++i) {
-      const size_t k = around[i], t = k / 3;
+      const size_t k = around[i];
+      const AcGeVector3d& n = face[k / 3];
+      keyed.emplace_back(Key(bits(n.x), bits(n.y), bits(n.z), 0, 0), k);
+    }
+    std::sort(keyed.begin(), keyed.end());
+    facings.clear();
+    for (size_t i = 0; i < keyed.size(); ++i) {
+      const size_t k = keyed[i].second;
+      if (i == 0 || keyed[i].first != keyed[i - 1].first) facings.push_back(Facing{face[k / 3], 0.0, {}});
+      facings.back().weight += angle[k];
+      facingOf[k] = facings.size() - 1;
+    }
+    const bool flat = facings.size() > kMaxSmoothFacings;
+    for (Facing& f : facings) {
       AcGeVector3d sum(0.0, 0.0, 0.0);
-      for (size_t j = first[v]; j < first[v + 1] && !flat; ++j)
-        if (face[t].dotProduct(face[around[j] / 3]) >= cosCrease) sum += face[around[j] / 3] * angle[around[j]];
-      const AcGeVector3d n = unit(sum.length() > 0.0 ? sum : face[t]);
+      for (size_t h = 0; h < facings.size() && !flat; ++h)
+        if (f.n.dotProduct(facings[h].n) >= cosCrease) sum += facings[h].n * facings[h].weight;
+      f.smooth = unit(sum.length() > 0.0 ? sum : f.n);
+    }
+    for (auto& [key, k] : keyed) {
+      const AcGeVector3d& n = facings[facingOf[k]].smooth;
       const AcGePoint2d t2 = uv ? (*uv)[size_t(tris[k])] : AcGePoint2d(0.0, 0.0);
-      keyed.emplace_back(Key(bits(n.x), bits(n.y), bits(n.z), bits(t2.x), bits(t2.y)), k);
+      key = Key(bits(n.x), bits(n.y), bits(n.z), bits(t2.x), bits(t2.y));
     }
     std::sort(keyed.begin(), keyed.end());
     for (size_t i = 0; i < keyed.size(); ++i) {
