@@ -25,6 +25,16 @@ void closeContour(std::vector<AcGePoint3d>& c) {
 
 CRenderShape::CRenderShape() = default;
 
+CRenderShape::Rare& CRenderShape::rare() const {
+  if (!m_rare) m_rare = std::make_unique<Rare>();
+  return *m_rare;
+}
+
+const CRenderShape::Rare& CRenderShape::noRare() {
+  static const Rare none;
+  return none;
+}
+
 uint32_t CRenderShape::nextDrawStamp() {
   // Drawing happens on one thread per context, but shapes may be built on
   // others: keep the counter atomic.
@@ -36,6 +46,7 @@ CRenderShape::CRenderShape(const CRenderShape& other) {
   takeFields(other);
   m_textInfo = other.m_textInfo ? new TextInfo(*other.m_textInfo) : nullptr;
   copyFaceData(other);
+  m_rare = other.m_rare ? std::make_unique<Rare>(*other.m_rare) : nullptr;
   m_faceDisplayList = 0;  // a list belongs to its first owner's context use
 }
 
@@ -45,6 +56,7 @@ CRenderShape& CRenderShape::operator=(const CRenderShape& other) {
   delete m_textInfo;
   m_textInfo = other.m_textInfo ? new TextInfo(*other.m_textInfo) : nullptr;
   copyFaceData(other);
+  m_rare = other.m_rare ? std::make_unique<Rare>(*other.m_rare) : nullptr;
   // m_faceDisplayList stays: the owner still has to release this shape's own
   // list, and forgetting the name here would leak it in the context.
   return *this;
@@ -55,8 +67,8 @@ CRenderShape::~CRenderShape() {
   freeFaceData();
 }
 
-// Everything but the owned text, the face arrays (with their sharing flag
-// and hit lines) and the display list, which have rules of their own.
+// Everything but the owned text, the face arrays (with their sharing flag),
+// the rare fields and the display list, which have rules of their own.
 template <class S>
 void CRenderShape::takeFields(S&& o) {
   m_live = std::forward<S>(o).m_live;
@@ -65,9 +77,7 @@ void CRenderShape::takeFields(S&& o) {
   m_ucs = std::forward<S>(o).m_ucs;
   m_pts = std::forward<S>(o).m_pts;
   m_holes = std::forward<S>(o).m_holes;
-  m_reserved = std::forward<S>(o).m_reserved;
   m_clr = std::forward<S>(o).m_clr;
-  m_texCoords = std::forward<S>(o).m_texCoords;
   m_glPts = std::forward<S>(o).m_glPts;
   m_strips = std::forward<S>(o).m_strips;
   m_boxMin = std::forward<S>(o).m_boxMin;
@@ -76,7 +86,6 @@ void CRenderShape::takeFields(S&& o) {
   m_sphereRadius = std::forward<S>(o).m_sphereRadius;
   m_hit = std::forward<S>(o).m_hit;
   m_highLight = std::forward<S>(o).m_highLight;
-  m_xdata = std::forward<S>(o).m_xdata;
   m_texture = std::forward<S>(o).m_texture;
   m_hasTexture = std::forward<S>(o).m_hasTexture;
   m_showBorder = std::forward<S>(o).m_showBorder;
@@ -111,7 +120,7 @@ void CRenderShape::swapOwned(CRenderShape& o) noexcept {
   std::swap(m_meshNormals, o.m_meshNormals);
   std::swap(m_meshTexCoords, o.m_meshTexCoords);
   std::swap(m_shareVertexData, o.m_shareVertexData);
-  m_hitLines.swap(o.m_hitLines);
+  m_rare.swap(o.m_rare);
   std::swap(m_faceDisplayList, o.m_faceDisplayList);
 }
 
@@ -201,7 +210,7 @@ void CRenderShape::set(TextInfo* info, const CColor& clr, const AcGeVector3d& uc
   m_holes.clear();
   m_glPts.clear();
   m_strips.clear();
-  m_texCoords.clear();
+  if (m_rare) m_rare->texCoords.clear();
   m_type = kText;
   m_clr.set(clr.r, clr.g, clr.b, clr.a);
   m_ucs = ucs.normal();
@@ -218,23 +227,25 @@ void CRenderShape::setFaceType(bool noDepth) {
 }
 
 bool CRenderShape::setXdata(const CString& key, const CString& value) {
-  m_xdata[key] = value;
+  rare().xdata[key] = value;
   return true;
 }
 
 bool CRenderShape::getXdata(const CString& key, CString& value) const {
-  auto it = m_xdata.find(key);
-  if (it == m_xdata.end()) return false;
+  const std::map<CString, CString>& xdata = rareOrNone().xdata;
+  auto it = xdata.find(key);
+  if (it == xdata.end()) return false;
   value = it->second;
   return true;
 }
 
 bool CRenderShape::is(const CString& key, const CString& value) const {
-  auto it = m_xdata.find(key);
-  return it != m_xdata.end() && it->second.CompareNoCase(value) == 0;
+  const std::map<CString, CString>& xdata = rareOrNone().xdata;
+  auto it = xdata.find(key);
+  return it != xdata.end() && it->second.CompareNoCase(value) == 0;
 }
 
-bool CRenderShape::clearXdata(CString key) { return m_xdata.erase(key) > 0; }
+bool CRenderShape::clearXdata(CString key) { return m_rare && m_rare->xdata.erase(key) > 0; }
 
 // Polygon offset grows with the face: linearly up to an area of 10000, then
 // only by the sixteenth root, taken as four float square roots in a row.

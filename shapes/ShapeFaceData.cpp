@@ -27,13 +27,13 @@ std::vector<T>* duplicate(const std::vector<T>* v) {
 void CRenderShape::setFaceVertexArray(std::vector<AcGePoint3d>* v) {
   touchDrawStamp();
   adopt(m_meshVertices, v, m_shareVertexData);
-  m_faceBvh.reset();
+  if (m_rare) m_rare->faceBvh.reset();
 }
 
 void CRenderShape::setFaceTriangleIndexArray(std::vector<int>* v) {
   touchDrawStamp();
   adopt(m_meshTriangleIndices, v, m_shareVertexData);
-  m_faceBvh.reset();
+  if (m_rare) m_rare->faceBvh.reset();
 }
 
 void CRenderShape::setFaceNormalArray(std::vector<AcGeVector3d>* v) {
@@ -66,7 +66,7 @@ void CRenderShape::freeFaceData() {
   m_meshTriangleIndices = nullptr;
   m_meshNormals = nullptr;
   m_meshTexCoords = nullptr;
-  m_faceBvh.reset();
+  if (m_rare) m_rare->faceBvh.reset();
 }
 
 // Shared arrays stay shared (same pointers); owned ones are duplicated. An
@@ -87,8 +87,11 @@ void CRenderShape::copyFaceData(const CRenderShape& src) {
     m_meshNormals = duplicate(src.m_meshNormals);
     m_meshTexCoords = duplicate(src.m_meshTexCoords);
   }
-  m_hitLines = src.m_hitLines;
-  m_faceBvh = src.m_faceBvh;
+  if (m_rare || src.m_rare) {
+    Rare& r = rare();
+    r.hitLines = src.getHitLine();
+    r.faceBvh = src.rareOrNone().faceBvh;
+  }
 }
 
 bool CRenderShape::isFaceDataNull() const { return !m_meshVertices || !m_meshTriangleIndices || !m_meshNormals; }

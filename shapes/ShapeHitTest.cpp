@@ -60,9 +60,10 @@ double loopDistance(const std::vector<AcGePoint3d>& pts, const AcGePoint3d& p) {
 }  // namespace
 
 const CFaceMeshBvh* CRenderShape::faceBvh() const {
-  if (!m_faceBvh && m_meshVertices && m_meshTriangleIndices)
-    m_faceBvh = std::make_shared<const CFaceMeshBvh>(*m_meshVertices, *m_meshTriangleIndices);
-  return m_faceBvh.get();
+  if (!m_meshVertices || !m_meshTriangleIndices) return rareOrNone().faceBvh.get();
+  Rare& r = rare();
+  if (!r.faceBvh) r.faceBvh = std::make_shared<const CFaceMeshBvh>(*m_meshVertices, *m_meshTriangleIndices);
+  return r.faceBvh.get();
 }
 
 bool CRenderShape::intersectRay(const AcGePoint3d& p1, const AcGePoint3d& p2, AcGePoint3d& hitPt, double tol, int mode,
@@ -82,7 +83,7 @@ bool CRenderShape::intersectRay(const AcGePoint3d& p1, const AcGePoint3d& p2, Ac
       return anyPlineHit(textContours(*this), p1, p2, hitPt, tol);
     case kFace: {
       if (isFaceDataNull()) return false;
-      if (mode == 0 || !solid) return anyPlineHit(m_hitLines, p1, p2, hitPt, tol);
+      if (mode == 0 || !solid) return anyPlineHit(getHitLine(), p1, p2, hitPt, tol);
       const CFaceMeshBvh* bvh = faceBvh();
       return bvh && bvh->nearestHit(p1, dir, hitPt);
     }
@@ -101,7 +102,7 @@ double CRenderShape::ptNearDistToEdge(const AcGePoint3d& pt) const {
       for (const auto& h : m_holes) best = std::min(best, loopDistance(h, pt));
       return best;
     case kFace:
-      for (const auto& line : m_hitLines) best = std::min(best, loopDistance(line, pt));
+      for (const auto& line : getHitLine()) best = std::min(best, loopDistance(line, pt));
       return best;
     default:
       return best;
@@ -158,7 +159,7 @@ bool CRenderShape::intersectVolume(const CPickVolume& v, int mode) const {
     case kFace: {
       if (isFaceDataNull()) return false;
       if (mode == 0) {
-        for (const auto& line : m_hitLines)
+        for (const auto& line : getHitLine())
           if (v.meetsPolyline(line, false)) return true;
         return false;
       }
@@ -201,7 +202,7 @@ bool CRenderShape::allInVolume(const CPickVolume& v) const {
     case kFace:
       if (v.classifyBox(m_boxMin, m_boxMax) == 2) return true;
       if (!v.containsAll(*m_meshVertices)) return false;
-      for (const auto& line : m_hitLines)
+      for (const auto& line : getHitLine())
         if (!v.containsAll(line)) return false;
       return true;
     default:

@@ -101,12 +101,12 @@ void CRenderShape::renderShaded_Pgon(CRenderObject* obj, const double* viewScale
   kgl->VertexPointer(3, GL_DOUBLE, 0, m_glPts.data());
   // Texture coordinates are read for every vertex; too few of them would
   // make GL read past the array, so such a shape is drawn untextured.
-  const bool textured = m_hasTexture && m_texCoords.size() >= 2 * vertexCount;
+  const bool textured = m_hasTexture && getTexCoords().size() >= 2 * vertexCount;
   if (textured) {
     kgl->Enable(GL_TEXTURE_2D);
     kgl->BindTexture(GL_TEXTURE_2D, m_texture);
     kgl->EnableClientState(GL_TEXTURE_COORD_ARRAY);
-    kgl->TexCoordPointer(2, GL_FLOAT, 0, m_texCoords.data());
+    kgl->TexCoordPointer(2, GL_FLOAT, 0, getTexCoords().data());
     kgl->Color4ub(255, 255, 255, alpha);
   } else {
     kgl->Color4ub(m_clr.r, m_clr.g, m_clr.b, alpha);
@@ -120,7 +120,7 @@ void CRenderShape::renderShaded_Pgon(CRenderObject* obj, const double* viewScale
       // so their coordinates are given one by one.
       kgl->Begin(GL_TRIANGLE_STRIP);
       for (uint16_t i : strip) {
-        if (textured) kgl->TexCoord2f(m_texCoords[2 * i], m_texCoords[2 * i + 1]);
+        if (textured) kgl->TexCoord2f(getTexCoords()[2 * i], getTexCoords()[2 * i + 1]);
         kgl->Vertex3d(m_glPts[3 * i], m_glPts[3 * i + 1], m_glPts[3 * i + 2]);
       }
       kgl->End();

@@ -51,7 +51,7 @@ void CRenderShape::renderFace(CRenderObject* obj, int mode) {
   if (mode == 0) {
     // A hit face's edges are drawn later, dashed, with the other outlines.
     if (!m_hit)
-      for (const auto& line : m_hitLines) drawContour(line);
+      for (const auto& line : getHitLine()) drawContour(line);
   } else if (m_faceDisplayList != 0 && kgl->IsList(m_faceDisplayList)) {
     kgl->CallList(m_faceDisplayList);
   } else {
@@ -73,7 +73,7 @@ void CRenderShape::renderFace(CRenderObject* obj, int mode) {
         kgl->DepthRange(kOverlayNear, kOverlayFar);
         kgl->LineWidth(m_borderWidth);
         kgl->Color4ub(m_borderClr.r, m_borderClr.g, m_borderClr.b, alpha);
-        emitEdges(m_hitLines, m_zOffset);
+        emitEdges(getHitLine(), m_zOffset);
         kgl->Color4ub(m_clr.r, m_clr.g, m_clr.b, alpha);
         kgl->LineWidth(kFaceLineWidth);
         kgl->PopAttrib();

@@ -40,8 +40,9 @@ void CRenderShape::transformBy(const AcGeMatrix3d& m) {
     if (m_meshNormals)
       for (AcGeVector3d& n : *m_meshNormals) n.transformBy(m);
   }
-  m_faceBvh.reset();
-  for (auto& line : m_hitLines)
+  if (m_rare) m_rare->faceBvh.reset();
+  if (m_rare)
+    for (auto& line : m_rare->hitLines)
     for (AcGePoint3d& p : line) p.transformBy(m);
   calArea();
   calBox();
@@ -56,7 +57,7 @@ void CRenderShape::offsetFaceVertex(double d) {
   const std::vector<AcGeVector3d>& n = *m_meshNormals;
   const size_t count = std::min(v.size(), n.size());
   for (size_t i = 0; i < count; ++i) v[i] += n[i] * d;
-  m_faceBvh.reset();
+  if (m_rare) m_rare->faceBvh.reset();
 }
 
 // uv holds one coordinate per contour point: the outer contour, then, when
@@ -65,8 +66,9 @@ void CRenderShape::offsetFaceVertex(double d) {
 // contours cross, or one whose point has no entry in uv, gets (0, 0).
 void CRenderShape::setTextureCoord(std::vector<AcGePoint2d> uv) {
   touchDrawStamp();
-  m_texCoords.clear();
+  if (m_rare) m_rare->texCoords.clear();
   if (m_pts.empty()) return;
+  std::vector<float>& texCoords = rare().texCoords;
   AcGeMatrix3d toPlane;
   toPlane.setToWorldToPlane(AcGePlane(m_pts[0], m_ucs));
   AcGeTol tol;
@@ -79,7 +81,7 @@ void CRenderShape::setTextureCoord(std::vector<AcGePoint2d> uv) {
     for (const AcGePoint3d& p : h) contour.push_back(toPlane * p);
 
   const size_t vertices = m_glPts.size() / 3;
-  m_texCoords.reserve(vertices * 2);
+  texCoords.reserve(vertices * 2);
   for (size_t v = 0; v < vertices; ++v) {
     const AcGePoint3d q = toPlane * AcGePoint3d(m_glPts[3 * v], m_glPts[3 * v + 1], m_glPts[3 * v + 2]);
     AcGePoint2d t(0.0, 0.0);
@@ -89,7 +91,7 @@ void CRenderShape::setTextureCoord(std::vector<AcGePoint2d> uv) {
         break;
       }
     }
-    m_texCoords.push_back(static_cast<float>(t.x));
-    m_texCoords.push_back(static_cast<float>(t.y));
+    texCoords.push_back(static_cast<float>(t.x));
+    texCoords.push_back(static_cast<float>(t.y));
   }
 }

@@ -87,7 +87,7 @@ void CRenderShape::divTringle() {
   touchDrawStamp();
   m_glPts.clear();
   m_strips.clear();
-  m_texCoords.clear();  // they belonged to the old vertices
+  if (m_rare) m_rare->texCoords.clear();  // they belonged to the old vertices
   if (m_type != kPgon || m_pts.size() < 3) return;
   // No plane, no area: a zero or non-finite normal or coordinate leaves the
   // polygon without strips rather than with guessed ones.

@@ -159,7 +159,7 @@ class KXRENDER_API CRenderShape {
   /// The key must match exactly; the value is compared ignoring case.
   bool is(const CString& key, const CString& value) const;
   bool clearXdata(CString key);  ///< See setXdata.
-  const std::map<CString, CString>& getXdataMap() const { return m_xdata; }  ///< Every tag.
+  const std::map<CString, CString>& getXdataMap() const { return rareOrNone().xdata; }  ///< Every tag.
 
   // ---- offsets ----
   ///@{
@@ -199,7 +199,7 @@ class KXRENDER_API CRenderShape {
   /// texture coordinates (u, v).
   const std::vector<double>& getGlPts() const { return m_glPts; }
   const std::vector<std::vector<uint16_t>>& getStrips() const { return m_strips; }
-  const std::vector<float>& getTexCoords() const { return m_texCoords; }
+  const std::vector<float>& getTexCoords() const { return rareOrNone().texCoords; }
   ///@}
   void initGlPts(double) {}  ///< Kept for hosts; does nothing.
   /// Number of triangles this shape draws (strips and face mesh).
@@ -232,10 +232,10 @@ class KXRENDER_API CRenderShape {
   // ---- hit lines (edges of a face mesh) ----
   ///@{
   /// Extra lines drawn and tested in wire frame (for example a face's edges).
-  void addHitLine(const std::vector<AcGePoint3d>& line) { m_hitLines.push_back(line); }
-  const std::vector<std::vector<AcGePoint3d>>& getHitLine() const { return m_hitLines; }
+  void addHitLine(const std::vector<AcGePoint3d>& line) { rare().hitLines.push_back(line); }
+  const std::vector<std::vector<AcGePoint3d>>& getHitLine() const { return rareOrNone().hitLines; }
   ///@}
-  std::vector<std::vector<AcGePoint3d>>& getReservedContours() { return m_reserved; }  ///< Contours kept for the host; the engine does not read them.
+  std::vector<std::vector<AcGePoint3d>>& getReservedContours() { return rare().reserved; }  ///< Contours kept for the host; the engine does not read them.
 
   // ---- hit testing ----
   /// The ray runs from p1 along p2 - p1; tol is the pick tolerance in model
@@ -321,47 +321,58 @@ class KXRENDER_API CRenderShape {
   /// The triangle tree of the face mesh, built on first use.
   const CFaceMeshBvh* faceBvh() const;
 
-  bool m_live = true;
-  bool m_visible = true;
-  ShapeType m_type = kUnset;
-  AcGeVector3d m_ucs{0.0, 0.0, 1.0};
+  /// Fields few shapes use, allocated on first write: a tower's shapes are
+  /// nearly all plain polygons, and every byte here is paid once per shape.
+  /// The mesh's triangle tree lives here too, so it moves with its mesh.
+  struct Rare {
+    std::vector<std::vector<AcGePoint3d>> reserved;  ///< carried and freed; the shape never fills it
+    std::map<CString, CString> xdata;
+    std::vector<float> texCoords;
+    std::vector<std::vector<AcGePoint3d>> hitLines;
+    /// Built lazily by hit tests and dropped whenever the mesh changes;
+    /// copies of a shape share it, as their meshes are equal.
+    std::shared_ptr<const CFaceMeshBvh> faceBvh;
+  };
+  Rare& rare() const;
+  const Rare& rareOrNone() const { return m_rare ? *m_rare : noRare(); }
+  static const Rare& noRare();
+
+  // Largest first, so that the flags pack at the end.
   std::vector<AcGePoint3d> m_pts;
   std::vector<std::vector<AcGePoint3d>> m_holes;
-  /// Carried and freed with the shape; the shape itself never fills it.
-  std::vector<std::vector<AcGePoint3d>> m_reserved;
-  CColor m_clr;
-  std::vector<float> m_texCoords;
   std::vector<double> m_glPts;
   std::vector<std::vector<uint16_t>> m_strips;
+  AcGeVector3d m_ucs{0.0, 0.0, 1.0};
   AcGePoint3d m_boxMin;
   AcGePoint3d m_boxMax;
   AcGePoint3d m_sphereCenter;
-  float m_sphereRadius = 0.0f;
-  bool m_hit = false;
-  bool m_highLight = false;
-  std::map<CString, CString> m_xdata;
-  unsigned m_texture = 0;
-  bool m_hasTexture = false;
-  bool m_showBorder = false;
+  CColor m_clr;
   CColor m_borderClr;
+  TextInfo* m_textInfo = nullptr;
+  std::vector<AcGePoint3d>* m_meshVertices = nullptr;
+  std::vector<int>* m_meshTriangleIndices = nullptr;
+  std::vector<AcGeVector3d>* m_meshNormals = nullptr;
+  std::vector<AcGePoint2d>* m_meshTexCoords = nullptr;
+  /// Mutable: the triangle tree is made on first use by const hit tests.
+  mutable std::unique_ptr<Rare> m_rare;
+  ShapeType m_type = kUnset;
+  float m_sphereRadius = 0.0f;
   float m_borderWidth = 1.2f;
-  bool m_borderWidthScaled = false;
   float m_borderMaxWidth = 8.0f;
   float m_area = 0.0f;
   float m_offsetFactor = 0.0f;
   float m_offsetUnits = 1.0f;
   float m_zOffset = 0.0f;
-  TextInfo* m_textInfo = nullptr;
-  bool m_dotLine = false;
-  std::vector<AcGePoint3d>* m_meshVertices = nullptr;
-  std::vector<int>* m_meshTriangleIndices = nullptr;
-  std::vector<AcGeVector3d>* m_meshNormals = nullptr;
-  std::vector<AcGePoint2d>* m_meshTexCoords = nullptr;
-  bool m_shareVertexData = false;
-  std::vector<std::vector<AcGePoint3d>> m_hitLines;
+  unsigned m_texture = 0;
   unsigned m_faceDisplayList = 0;
   uint32_t m_drawStamp = nextDrawStamp();
-  /// Built lazily by hit tests and dropped whenever the mesh changes; copies
-  /// of a shape share it, as their meshes are equal.
-  mutable std::shared_ptr<const CFaceMeshBvh> m_faceBvh;
+  bool m_live = true;
+  bool m_visible = true;
+  bool m_hit = false;
+  bool m_highLight = false;
+  bool m_hasTexture = false;
+  bool m_showBorder = false;
+  bool m_borderWidthScaled = false;
+  bool m_dotLine = false;
+  bool m_shareVertexData = false;
 };
