@@ -97,6 +97,7 @@ void facade(Builder& b, const AcGePoint3d& start, const AcGeVector3d& along, con
   b.add(panel);
 
   CRenderObject* win = new CRenderObject;
+  win->getShps().reserve(2);  // the glass and its frame: no regrowth, nothing to trim
   CRenderShape& glass = newShape(*win);
   glass.setFaceType(false);
   glass.setClr(kGlassColor);
@@ -120,6 +121,7 @@ void facade(Builder& b, const AcGePoint3d& start, const AcGeVector3d& along, con
 void interiorWall(Builder& b, const AcGePoint3d& start, const AcGeVector3d& along, const AcGeVector3d& across,
                   bool door) {
   CRenderObject* o = new CRenderObject;
+  o->getShps().reserve(6);  // no regrowth, nothing to trim
   const double t = kHalfThickness;
   const AcGePoint3d top = start + kUp * kStorey;
   polygon(*o, rect(start, along, across, 0.0, kBay, -t, t), {}, kInteriorColor, -kUp);
@@ -168,6 +170,7 @@ void roof(Builder& b, double w, double c, double eaves) {
   const AcGePoint3d e0(0, 0, eaves), e1(w, 0, eaves), e2(w, w, eaves), e3(0, w, eaves);
   const Pts faces[4] = {{e0, e1, r1, r0}, {e1, e2, r1}, {e2, e3, r0, r1}, {e3, e0, r0}};
   CRenderObject* o = new CRenderObject;
+  o->getShps().reserve(4);
   for (const Pts& f : faces) {
     const AcGeVector3d n = (f[1] - f[0]).crossProduct(f[2] - f[0]).normal();
     CRenderShape& s = newShape(*o);

@@ -147,12 +147,15 @@ void CRenderObject::endAddShape() {
       --i;
     }
   }
-  // Objects stay for the life of the model: trim the spare capacity. Shapes
-  // move, so compiled lists go with them.
-  std::vector<CRenderShape> fitted;
-  fitted.reserve(m_shapes.size());
-  for (CRenderShape& s : m_shapes) fitted.push_back(std::move(s));
-  m_shapes.swap(fitted);
+  // Objects stay for the life of the model: trim the spare capacity, if
+  // any (hosts that reserved exactly pay no copy). Shapes move, so compiled
+  // lists go with them.
+  if (m_shapes.capacity() > m_shapes.size()) {
+    std::vector<CRenderShape> fitted;
+    fitted.reserve(m_shapes.size());
+    for (CRenderShape& s : m_shapes) fitted.push_back(std::move(s));
+    m_shapes.swap(fitted);
+  }
   calBox();
   if (m_exaGeoShapNum > m_shapes.size()) m_exaGeoShapNum = static_cast<unsigned>(m_shapes.size());
   if (m_shapes.empty()) return;
