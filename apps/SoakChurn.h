@@ -6,6 +6,7 @@
 // exported interface and GL queries.
 #include <epoxy/gl.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <random>
@@ -22,6 +23,9 @@ struct KxSoakFigures {
   size_t statics = 0;
   size_t listsOwned = 0;  // display lists the scene's objects hold
   size_t listsLive = 0;   // display lists the context has
+  size_t buffersOwned = 0;    // buffer objects of groups of neighbouring objects
+  size_t buffersLive = 0;     // buffer objects the context has
+  size_t buffersPending = 0;  // buffer objects queued for deletion
   size_t queued = 0;      // lists waiting in the deletion queue before the last frame drew
   size_t pending = 0;     // lists the last frame released: alive until the next frame deletes them
   long rssKiB = 0;
@@ -91,13 +95,22 @@ class KxSoakChurn {
         if (s.getFaceDisplayList()) owned.insert(s.getFaceDisplayList());
     }
     for (const CStaticObject* s : set().staticObjects()) owned.insert(s->getRenderList());
-    // Lists shared by groups of neighbouring objects are counted, not named.
-    f.listsOwned = owned.size() + set().retainedGroupLists();
+    f.listsOwned = owned.size();
+    const std::vector<unsigned> buffers = set().retainedGroupBuffers();
+    f.buffersOwned = buffers.size();
+    f.buffersPending = m_scene.removedBuffers().size();
+    // Buffer names are not reused: every name handed out lies below the
+    // highest one held or queued.
+    GLuint highest = 0;
+    for (unsigned b : buffers) highest = std::max(highest, GLuint(b));
+    for (unsigned b : m_scene.removedBuffers()) highest = std::max(highest, GLuint(b));
     // Names are handed out from the lowest free one, so live lists lie
     // below a bound of a few times those in use.
     const GLuint bound = GLuint(4 * (owned.empty() ? 0 : *owned.rbegin()) + 4096);
     for (GLuint id = 1; id < bound; ++id)
       if (glIsList(id)) ++f.listsLive;
+    for (GLuint id = 1; id <= highest + 4096; ++id)
+      if (glIsBuffer(id)) ++f.buffersLive;
     std::ifstream status("/proc/self/status");
     std::string line;
     while (std::getline(status, line))

@@ -38,17 +38,18 @@ int main(int argc, char** argv) {
     return 2;
   }
   KxSoakChurn churn(scene, storeys, bays);
-  std::printf("%9s %8s %7s %10s %10s %7s %6s %10s\n", "frame", "objects", "statics", "lists-held", "lists-live",
-              "pending", "queue", "rss-KiB");
+  std::printf("%9s %8s %7s %10s %10s %7s %6s %8s %8s %8s %10s\n", "frame", "objects", "statics", "lists-held",
+              "lists-live", "pending", "queue", "buf-held", "buf-live", "buf-pend", "rss-KiB");
   bool ok = true;
   for (long n = 1; n <= frames; ++n) {
     churn.frame(n);
     if (n == 100 || n == 1000 || n % 10000 == 0 || n == frames) {
       const KxSoakFigures f = churn.figures();
-      std::printf("%9ld %8zu %7zu %10zu %10zu %7zu %6zu %10ld\n", n, f.objects, f.statics, f.listsOwned, f.listsLive,
-                  f.pending, f.queued, f.rssKiB);
+      std::printf("%9ld %8zu %7zu %10zu %10zu %7zu %6zu %8zu %8zu %8zu %10ld\n", n, f.objects, f.statics,
+                  f.listsOwned, f.listsLive, f.pending, f.queued, f.buffersOwned, f.buffersLive, f.buffersPending,
+                  f.rssKiB);
       std::fflush(stdout);
-      ok = ok && f.listsLive == f.listsOwned + f.pending;
+      ok = ok && f.listsLive == f.listsOwned + f.pending && f.buffersLive == f.buffersOwned + f.buffersPending;
     }
   }
   scene.glRelease();

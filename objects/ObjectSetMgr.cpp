@@ -67,7 +67,7 @@ CObjectSetMgr& CObjectSetMgr::operator=(const CObjectSetMgr& o) {
 CObjectSetMgr::~CObjectSetMgr() { clear(); }
 
 void CObjectSetMgr::clear() {
-  releaseGroupLists();
+  releaseGroupDrawings();
   m_searchTree->clear();
   m_snapIndex->clear();
   for (auto& kv : m_objects) delete kv.second;

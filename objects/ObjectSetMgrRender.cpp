@@ -25,21 +25,22 @@ void CObjectSetMgr::setRenderMode(CRenderObject::RenderMode mode) {
     if (kv.second) kv.second->setRenderMode(mode);
 }
 
-size_t CObjectSetMgr::retainedGroupLists() const {
-  size_t n = 0;
-  for (const GroupList& g : m_groupLists) n += g.list != 0;
-  return n;
+std::vector<unsigned> CObjectSetMgr::retainedGroupBuffers() const {
+  std::vector<unsigned> names;
+  for (const auto& g : m_groupDrawings)
+    if (g && g->buffer != 0) names.push_back(g->buffer);
+  return names;
 }
 
-void CObjectSetMgr::releaseGroupLists() {
-  for (GroupList& g : m_groupLists)
-    if (g.list && m_scene) m_scene->addRemovedDispList(g.list);
-  m_groupLists.clear();
+void CObjectSetMgr::releaseGroupDrawings() {
+  for (const auto& g : m_groupDrawings)
+    if (g) kxretained::releaseGroup(*g, m_scene);
+  m_groupDrawings.clear();
 }
 
 void CObjectSetMgr::releaseDispList() {
-  // The context is going away with every list in it.
-  m_groupLists.clear();
+  // The context is going away with every list and buffer in it.
+  m_groupDrawings.clear();
   for (auto& kv : m_objects) {
     if (!kv.second) continue;
     kv.second->releaseRetainedList();
@@ -207,8 +208,9 @@ void CObjectSetMgr::drawObjects(const std::vector<CRenderObject*>& objs, const s
         if (open != kNone) kxretained::closeGroup(m_scene);
         open = group;
         if (open != kNone) {
-          if (m_groupLists.size() <= open) m_groupLists.resize(open + 1);
-          kxretained::openGroup(&m_groupLists[open].list, &m_groupLists[open].key);
+          if (m_groupDrawings.size() <= open) m_groupDrawings.resize(open + 1);
+          if (!m_groupDrawings[open]) m_groupDrawings[open] = std::make_shared<kxretained::GroupDrawing>();
+          kxretained::openGroup(m_groupDrawings[open].get());
         }
       }
     }
@@ -218,9 +220,9 @@ void CObjectSetMgr::drawObjects(const std::vector<CRenderObject*>& objs, const s
   if (!grouped) return;
   // A rebuilt, smaller tree leaves groups past its end.
   const size_t groups = (m_searchTree->slotCount() >> kGroupShift) + 1;
-  while (m_groupLists.size() > groups) {
-    if (m_groupLists.back().list) m_scene->addRemovedDispList(m_groupLists.back().list);
-    m_groupLists.pop_back();
+  while (m_groupDrawings.size() > groups) {
+    if (m_groupDrawings.back()) kxretained::releaseGroup(*m_groupDrawings.back(), m_scene);
+    m_groupDrawings.pop_back();
   }
 }
 

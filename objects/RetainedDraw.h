@@ -6,6 +6,7 @@
 #include "kxrender/AcGePoint3d.h"
 #include "kxrender/CColor.h"
 #include "kxrender/CRenderShape.h"
+#include "objects/RetainedLean.h"
 
 #include <cstdint>
 #include <vector>
@@ -32,13 +33,27 @@ bool inObjectPass();
 // False when no batch is open: the caller draws the point itself.
 bool queuePoint(const CColor& color, const AcGePoint3d& centre);
 
-// Neighbours in the search tree share one list, so a frame replays a few
-// hundred lists rather than one per object. While a group is open, objects
-// that would replay a lean list of their own join it instead; closing the
-// group replays its list when the same objects joined with the same keys,
-// and compiles a new one otherwise. Objects that cannot join draw at once,
-// before the group's list.
-void openGroup(unsigned* list, uint64_t* key);
+// Neighbours in the search tree share one drawing, so a frame replays a few
+// hundred rather than one per object. While a group is open, objects that
+// would replay a lean list of their own join it instead; closing the group
+// replays its drawing when the same objects joined with the same keys, and
+// records a new one otherwise. Objects that cannot join draw at once,
+// before the group's drawing.
+//
+// A group's drawing is a buffer object of its vertices (position, normal
+// and colour, 28 bytes each) with the steps that draw them: a display list
+// of the same calls holds 40 bytes a vertex, and compiling one goes through
+// three GL calls a vertex.
+struct GroupDrawing {
+  unsigned buffer = 0;  // 0: none recorded
+  uint64_t key = 0;
+  LeanRecording steps;  // its vertices are in the buffer, not here
+  LeanVertex last{};    // the last vertex sent, for the state it leaves
+  bool hasLast = false;
+};
+// Queues the buffer for deletion and forgets the drawing.
+void releaseGroup(GroupDrawing& g, CSceneMgr* scene);
+void openGroup(GroupDrawing* g);
 void closeGroup(CSceneMgr* scene);
 // Whether a display list is being compiled (a static object's, say): lists
 // cannot nest, so retained drawing then steps aside.

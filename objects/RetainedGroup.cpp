@@ -1,4 +1,4 @@
-// Groups of search-tree neighbours drawn through one shared lean list (see
+// Groups of search-tree neighbours drawn through one shared recording (see
 // RetainedDraw.h).
 #include <vector>
 
@@ -29,8 +29,7 @@ class GroupWriter {
 namespace {
 
 struct Group {
-  unsigned* list = nullptr;  // null: no group open
-  uint64_t* key = nullptr;
+  GroupDrawing* drawing = nullptr;  // null: no group open
   uint64_t joinedKey = 0;
   bool interrupted = false;  // drawn in order, without the list, this frame
   std::vector<GroupWriter::Item> items;  // kept between groups: no allocation per frame
@@ -46,15 +45,21 @@ uint64_t mix(uint64_t h, uint64_t v) {
 
 }  // namespace
 
+void releaseGroup(GroupDrawing& g, CSceneMgr* scene) {
+  if (g.buffer != 0 && scene) scene->addRemovedBuffer(g.buffer);
+  g.buffer = 0;
+  g.steps.clear();
+  g.hasLast = false;
+}
+
 bool compilingOtherList() {
   GLint index = 0;
   kgl->GetIntegerv(GL_LIST_INDEX, &index);
   return index != 0;
 }
 
-void openGroup(unsigned* list, uint64_t* key) {
-  g_group.list = list;
-  g_group.key = key;
+void openGroup(GroupDrawing* g) {
+  g_group.drawing = g;
   g_group.joinedKey = 0x51ed270b27a1f3c5ULL;
   g_group.interrupted = false;
   g_group.items.clear();
@@ -62,7 +67,7 @@ void openGroup(unsigned* list, uint64_t* key) {
 
 bool joinGroup(const CRenderObject* o, const std::vector<CRenderShape>* shapes, unsigned instanced, uint64_t key,
                bool cullBackFaces, const double* pixelsPerUnit, const AcGeVector3d* viewDirection) {
-  if (!g_group.list) return false;
+  if (!g_group.drawing) return false;
   g_group.joinedKey = mix(mix(g_group.joinedKey, reinterpret_cast<uintptr_t>(o)), key);
   g_group.items.push_back({o, shapes, instanced, cullBackFaces, pixelsPerUnit, viewDirection});
   return true;
@@ -80,42 +85,55 @@ void drawJoined() {
 }  // namespace
 
 void interruptGroup() {
-  if (!g_group.list) return;
+  if (!g_group.drawing) return;
   g_group.interrupted = true;
   drawJoined();
 }
 
 void closeGroup(CSceneMgr* scene) {
-  if (!g_group.list) return;
-  unsigned& list = *g_group.list;
-  uint64_t& key = *g_group.key;
-  g_group.list = nullptr;
+  if (!g_group.drawing) return;
+  GroupDrawing& g = *g_group.drawing;
+  g_group.drawing = nullptr;
   if (g_group.interrupted) {
-    // Its list, if any, stays for frames without the interruption.
+    // Its drawing, if any, stays for frames without the interruption.
     drawJoined();
     return;
   }
-  // Nobody joined (all points or hidden at this zoom): the list stays for
-  // when they come back.
+  // Nobody joined (all points or hidden at this zoom): the drawing stays
+  // for when they come back.
   if (g_group.items.empty()) return;
-  if (list != 0 && key == g_group.joinedKey) {
-    kgl->CallList(list);
+  if (g.buffer != 0 && g.key == g_group.joinedKey) {
+    replay(g.steps, g.buffer, g.hasLast ? &g.last : nullptr);
     return;
   }
-  if (list != 0 && scene) scene->addRemovedDispList(list);
-  list = 0;
-  const bool compile = !compilingOtherList();
-  if (compile) list = kgl->GenLists(1);
-  if (list != 0) kgl->NewList(list, GL_COMPILE_AND_EXECUTE);
+  releaseGroup(g, scene);
+  // Inside another list's compilation a buffer's draws would be copied
+  // into that list: the group then draws the plain way.
+  if (scene && !compilingOtherList()) kgl->GenBuffers(1, &g.buffer);
+  if (g.buffer == 0) {
+    drawJoined();
+    return;
+  }
+  // Recorded into storage kept per thread, so that recording allocates
+  // nothing once it has grown; the group keeps its steps.
+  thread_local LeanRecording scratch;
+  scratch.clear();
   {
-    LeanWriter w(2, 255);
+    LeanWriter w(2, 255, &scratch);
     for (const GroupWriter::Item& i : g_group.items) GroupWriter::write(w, i);
   }
-  if (list != 0) {
-    kgl->EndList();
-    key = g_group.joinedKey;
-  }
   g_group.items.clear();
+  g.steps.steps.assign(scratch.steps.begin(), scratch.steps.end());
+  g.steps.matrices.assign(scratch.matrices.begin(), scratch.matrices.end());
+  const std::vector<LeanVertex>& vertices = scratch.vertices;
+  g.hasLast = !vertices.empty();
+  if (g.hasLast) g.last = vertices.back();
+  kgl->BindBuffer(GL_ARRAY_BUFFER, g.buffer);
+  kgl->BufferData(GL_ARRAY_BUFFER, GLsizeiptr(vertices.size() * sizeof(LeanVertex)), vertices.data(),
+                  GL_STATIC_DRAW);
+  kgl->BindBuffer(GL_ARRAY_BUFFER, 0);
+  g.key = g_group.joinedKey;
+  replay(g.steps, g.buffer, g.hasLast ? &g.last : nullptr);
 }
 
 }  // namespace kxretained

@@ -2,6 +2,8 @@
 // changes (see RetainedLean.h).
 #include "objects/RetainedLean.h"
 
+#include <cstddef>
+
 #include "kxrender/CSimpleMatrix.h"
 #include "shapes/FaceTriangles.h"
 #include "support/GLTable.h"
@@ -29,7 +31,8 @@ namespace {
 thread_local const void* t_storageOwner = nullptr;  // the writer using the thread's buckets
 }
 
-LeanWriter::LeanWriter(int mode, unsigned char alpha) : m_mode(mode), m_alpha(alpha), m_buckets(&m_own) {
+LeanWriter::LeanWriter(int mode, unsigned char alpha, LeanRecording* record)
+    : m_mode(mode), m_alpha(alpha), m_record(record), m_buckets(&m_own) {
   thread_local std::vector<Bucket> storage;
   if (!t_storageOwner) {
     t_storageOwner = this;
@@ -71,6 +74,14 @@ void LeanWriter::flush() {
   for (size_t i = 0; i < m_used; ++i) {
     Bucket& k = (*m_buckets)[i];
     if (k.vertices.empty()) continue;
+    if (m_record) {
+      std::vector<Vertex>& all = m_record->vertices;
+      m_record->steps.push_back({LeanRecording::Step::kDraw, k.lines, k.overlay, k.a, k.b, uint32_t(all.size()),
+                                 uint32_t(k.vertices.size())});
+      all.insert(all.end(), k.vertices.begin(), k.vertices.end());
+      k.vertices.clear();
+      continue;
+    }
     if (k.lines) {
       kgl->LineWidth(k.a);
       if (k.overlay != m_overlaySent) kgl->DepthRange(k.overlay ? kOverlayNear : kPassNear, kFar);
@@ -198,19 +209,76 @@ void LeanWriter::shape(const CRenderShape& s, const double* viewScale) {
 
 void LeanWriter::pushMatrix(const CSimpleMatrix& m) {
   flush();
+  if (m_record) {
+    m_record->steps.push_back({LeanRecording::Step::kPush, false, false, 0.0f, 0.0f,
+                               uint32_t(m_record->matrices.size()), 0});
+    m_record->matrices.push_back(m);
+    return;
+  }
   kgl->PushMatrix();
   m.MultOpenGLMatrix();
 }
 
 void LeanWriter::popMatrix() {
   flush();
+  if (m_record) {
+    m_record->steps.push_back({LeanRecording::Step::kPop, false, false, 0.0f, 0.0f, 0, 0});
+    return;
+  }
   kgl->PopMatrix();
 }
 
 void LeanWriter::finish() {
   flush();
+  if (m_record) return;
   if (m_overlaySent) kgl->DepthRange(kPassNear, kFar);
   m_overlaySent = false;
+}
+
+void replay(const LeanRecording& r, unsigned buffer, const LeanVertex* last) {
+  kgl->PushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
+  kgl->BindBuffer(GL_ARRAY_BUFFER, buffer);
+  kgl->EnableClientState(GL_VERTEX_ARRAY);
+  kgl->EnableClientState(GL_NORMAL_ARRAY);
+  kgl->EnableClientState(GL_COLOR_ARRAY);
+  const GLsizei stride = sizeof(LeanVertex);
+  kgl->VertexPointer(3, GL_FLOAT, stride, reinterpret_cast<const void*>(offsetof(LeanVertex, p)));
+  kgl->NormalPointer(GL_FLOAT, stride, reinterpret_cast<const void*>(offsetof(LeanVertex, n)));
+  kgl->ColorPointer(4, GL_UNSIGNED_BYTE, stride, reinterpret_cast<const void*>(offsetof(LeanVertex, c)));
+  bool overlaySent = false;
+  for (const LeanRecording::Step& s : r.steps) {
+    switch (s.kind) {
+      case LeanRecording::Step::kDraw:
+        // The state calls of LeanWriter::flush, in its order.
+        if (s.lines) {
+          kgl->LineWidth(s.a);
+          if (s.overlay != overlaySent) kgl->DepthRange(s.overlay ? kOverlayNear : kPassNear, kFar);
+          overlaySent = s.overlay;
+        } else {
+          kgl->PolygonOffset(s.a, s.b);
+          if (overlaySent) kgl->DepthRange(kPassNear, kFar);
+          overlaySent = false;
+        }
+        kgl->DrawArrays(s.lines ? GL_LINES : GL_TRIANGLES, GLint(s.first), GLsizei(s.count));
+        break;
+      case LeanRecording::Step::kPush:
+        kgl->PushMatrix();
+        r.matrices[s.first].MultOpenGLMatrix();
+        break;
+      case LeanRecording::Step::kPop:
+        kgl->PopMatrix();
+        break;
+    }
+  }
+  if (overlaySent) kgl->DepthRange(kPassNear, kFar);
+  kgl->BindBuffer(GL_ARRAY_BUFFER, 0);
+  kgl->PopClientAttrib();
+  // Drawing from arrays leaves the current colour and normal as they were;
+  // the writer's own calls leave those of the last vertex.
+  if (last) {
+    kgl->Color4ub(last->c[0], last->c[1], last->c[2], last->c[3]);
+    kgl->Normal3f(last->n[0], last->n[1], last->n[2]);
+  }
 }
 
 }  // namespace kxretained

@@ -15,10 +15,40 @@
 #include <vector>
 
 #include "kxrender/CRenderShape.h"
-
-class CSimpleMatrix;
+#include "kxrender/CSimpleMatrix.h"
 
 namespace kxretained {
+
+struct LeanVertex {
+  float p[3];
+  float n[3];
+  unsigned char c[4];
+};
+
+// What the writer would have sent, kept for replay from a buffer object:
+// the vertices of each bucket in sending order, and the steps between them.
+struct LeanRecording {
+  struct Step {
+    enum Kind : uint8_t { kDraw, kPush, kPop } kind;
+    bool lines;    // draws: lines or triangles
+    bool overlay;  // lines over the faces' depth range
+    float a, b;    // as Bucket
+    uint32_t first, count;  // draws: vertices; pushes: the matrix
+  };
+  std::vector<LeanVertex> vertices;
+  std::vector<Step> steps;
+  std::vector<CSimpleMatrix> matrices;
+  void clear() {
+    vertices.clear();
+    steps.clear();
+    matrices.clear();
+  }
+};
+
+// Replays a recording whose vertices are in buffer: the same state and the
+// same vertices as the writer's own calls, and the same colour and normal
+// left current, so the picture is the one a list of them would give.
+void replay(const LeanRecording& r, unsigned buffer, const LeanVertex* last);
 
 // Whether a visible shape can be written: no hit, highlight, dot line,
 // texture or text.
@@ -27,8 +57,9 @@ bool canWrite(const CRenderShape& s);
 class LeanWriter {
  public:
   // mode: the object's render mode; alpha: the scene alpha (the writer is
-  // used for opaque frames only, where it is 255).
-  LeanWriter(int mode, unsigned char alpha);
+  // used for opaque frames only, where it is 255). With a recording the
+  // writer sends nothing and records instead.
+  LeanWriter(int mode, unsigned char alpha, LeanRecording* record = nullptr);
   ~LeanWriter();
   LeanWriter(const LeanWriter&) = delete;
   LeanWriter& operator=(const LeanWriter&) = delete;
@@ -44,11 +75,7 @@ class LeanWriter {
   void finish();
 
  private:
-  struct Vertex {
-    float p[3];
-    float n[3];
-    unsigned char c[4];
-  };
+  using Vertex = LeanVertex;
   struct Bucket {
     bool lines;
     float a, b;    // fills: offset factor and units; lines: width and 0
@@ -68,6 +95,7 @@ class LeanWriter {
 
   int m_mode;
   unsigned char m_alpha;
+  LeanRecording* m_record;
   // The buckets in the order they were first used; those past m_used are
   // spare, keeping their capacity. The storage is kept per thread, so
   // compiling lists does not allocate once it has grown.

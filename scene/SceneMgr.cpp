@@ -82,6 +82,7 @@ void CSceneMgr::copyFrom(const CSceneMgr& o) {
   m_bPartTrans = o.m_bPartTrans;
   m_partTransIds = o.m_partTransIds;
   m_removedDispLists = o.m_removedDispLists;
+  m_removedBuffers = o.m_removedBuffers;
 }
 
 CSceneMgr::~CSceneMgr() {
@@ -90,6 +91,7 @@ CSceneMgr::~CSceneMgr() {
   // they must go while the queue is still here, whatever the member order.
   m_objSetMgr.clear();
   m_removedDispLists.clear();
+  m_removedBuffers.clear();
   if (m_currentScenePtr == this) m_currentScenePtr = nullptr;
 }
 
@@ -192,6 +194,9 @@ void CSceneMgr::deleteQueuedLists() {
   for (unsigned int id : m_removedDispLists)
     if (kgl->IsList(id)) kgl->DeleteLists(id, 1);
   m_removedDispLists.clear();
+  for (unsigned int id : m_removedBuffers)
+    if (kgl->IsBuffer(id)) kgl->DeleteBuffers(1, &id);
+  m_removedBuffers.clear();
 }
 
 void CSceneMgr::render() {
@@ -232,8 +237,9 @@ void CSceneMgr::glRelease() {
   if (dc) wglMakeCurrent(dc, m_hRC);
   ReleaseDC(m_hWnd, dc);
   m_objSetMgr.releaseDispList();
-  // The context is about to go, and its lists with it.
+  // The context is about to go, and its lists and buffers with it.
   m_removedDispLists.clear();
+  m_removedBuffers.clear();
   wglDeleteContext(m_hRC);
   m_hRC = nullptr;
   ReleaseDC(m_hWnd, m_hDC);

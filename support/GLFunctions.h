@@ -98,6 +98,13 @@
   X(void, TexCoordPointer, (GLint size, GLenum type, GLsizei stride, const void* p), (size, type, stride, p))     \
   X(void, DrawArrays, (GLenum mode, GLint first, GLsizei count), (mode, first, count))                            \
   X(void, DrawElements, (GLenum mode, GLsizei count, GLenum type, const void* idx), (mode, count, type, idx))     \
+  X(void, PushClientAttrib, (GLbitfield mask), (mask))                                                            \
+  X(void, PopClientAttrib, (void), ())                                                                            \
+  X(void, GenBuffers, (GLsizei n, GLuint* b), (n, b))                                                             \
+  X(void, DeleteBuffers, (GLsizei n, const GLuint* b), (n, b))                                                    \
+  X(void, BindBuffer, (GLenum target, GLuint b), (target, b))                                                     \
+  X(void, BufferData, (GLenum target, GLsizeiptr size, const void* data, GLenum usage), (target, size, data, usage)) \
+  X(GLboolean, IsBuffer, (GLuint b), (b))                                                                         \
   X(void, GenTextures, (GLsizei n, GLuint* t), (n, t))                                                            \
   X(void, DeleteTextures, (GLsizei n, const GLuint* t), (n, t))                                                   \
   X(void, BindTexture, (GLenum target, GLuint t), (target, t))                                                    \

@@ -17,6 +17,9 @@
 class CSceneMgr;
 class CObjectSearchTree;
 class CBjSnap;
+namespace kxretained {
+struct GroupDrawing;
+}
 struct CSnapNode;
 
 /// The set of render objects and static objects a scene draws. It owns every
@@ -155,8 +158,8 @@ class KXRENDER_API CObjectSetMgr {
   static void sortForTransparent(std::vector<CRenderObject*>& objs);  ///< Orders objects back to front from the current camera for blending.
   /// Drops every object's display lists (the context is going away).
   void releaseDispList();
-  /// Display lists the retained path holds for groups of neighbouring objects.
-  size_t retainedGroupLists() const;
+  /// The buffer objects the retained path holds for groups of neighbouring objects.
+  std::vector<unsigned> retainedGroupBuffers() const;
   /// Shapes drawn as dashed outlines after all objects; filled during a frame.
   void addOutlineShape(const CRenderShape* s) { m_outlineShapes.push_back(s); }
   const std::vector<const CRenderShape*>& outlineShapes() const { return m_outlineShapes; }  ///< The shapes queued for dashed outlines in this frame (not owned).
@@ -171,7 +174,7 @@ class KXRENDER_API CObjectSetMgr {
   void drawObjects(const std::vector<CRenderObject*>& objs, const std::vector<uint32_t>* slots);
   void renderObjs(const std::vector<CRenderObject*>& objs, int mode, const std::vector<uint32_t>* slots);
   // Hands the retained lists of groups of neighbours to the scene's deletion queue.
-  void releaseGroupLists();
+  void releaseGroupDrawings();
 
   std::map<unsigned, CRenderObject*> m_objects;
   unsigned m_nextId = 1;
@@ -189,11 +192,8 @@ class KXRENDER_API CObjectSetMgr {
   std::vector<CRenderObject*> m_frameObjects;  ///< kept between frames: no per-frame allocation
   std::vector<uint32_t> m_frameSlots;          ///< their places in the search tree
   /// The retained list of each group of tree neighbours, and what it was compiled from.
-  struct GroupList {
-    unsigned list = 0;
-    uint64_t key = 0;
-  };
-  std::vector<GroupList> m_groupLists;
+  /// The shared drawings of groups of search-tree neighbours, by group.
+  std::vector<std::shared_ptr<kxretained::GroupDrawing>> m_groupDrawings;
   std::vector<CRenderObject*> m_transparentObjects;
   std::vector<CRenderObject*> m_listedObjects;  ///< the same, sorted by address
   /// Taken ids tried in a row before giving up; tests lower it.

@@ -79,6 +79,7 @@ class KXRENDER_API CSceneMgr {
   void releaseRender() { glRelease(); }
   ///@}
   void addRemovedDispList(unsigned int id) { m_removedDispLists.push_back(id); }  ///< Queues a display list id for deletion at the start of the next render().
+  void addRemovedBuffer(unsigned int id) { m_removedBuffers.push_back(id); }  ///< Queues a buffer object the same way.
 
   static CSceneMgr* getCurrentScenePtr() { return m_currentScenePtr; }  ///< The scene drawing now (last to enter render), or null.
   /// Chooses a double-buffered RGBA format with depth and stencil buffers.
@@ -372,6 +373,7 @@ class KXRENDER_API CSceneMgr {
   ///@}
 
   const std::vector<unsigned int>& removedDispLists() const { return m_removedDispLists; }  ///< The display lists waiting for deletion.
+  const std::vector<unsigned int>& removedBuffers() const { return m_removedBuffers; }  ///< The buffer objects waiting for deletion.
 
   static CSceneMgr* m_currentScenePtr;  ///< The scene drawing now; see getCurrentScenePtr().
   static int g_nPixelFormat;  ///< The pixel format chosen once for the process; 0 until then.
@@ -503,6 +505,7 @@ class KXRENDER_API CSceneMgr {
   bool m_bPartTrans = false;
   std::vector<unsigned int> m_partTransIds;
   std::vector<unsigned int> m_removedDispLists;
+  std::vector<unsigned int> m_removedBuffers;
   // Redo list and cursor pivot of the extra navigation.
   struct ViewExtras {
     std::deque<CameraRecord> redo;

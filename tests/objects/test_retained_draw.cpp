@@ -150,13 +150,15 @@ TEST_F(RetainedFrame, ListsStayOnePerDrawnObjectThroughChurn) {
     if (o->getRetainedList() != 0) ++objectLists;
     for (const CRenderShape& s : o->getShps()) faceLists += s.getFaceDisplayList() != 0;
   }
-  // The tree's objects share one group list; the single points need none.
+  // The tree's objects share one group buffer; the single points need none.
   EXPECT_EQ(objectLists, 0u);
-  EXPECT_EQ(set().retainedGroupLists(), 1u);
-  EXPECT_EQ(liveLists(), set().retainedGroupLists() + faceLists);
+  EXPECT_EQ(set().retainedGroupBuffers().size(), 1u);
+  EXPECT_EQ(liveBuffers(), 1u);
+  EXPECT_EQ(liveLists(), faceLists);
   set().clear();
   frame(true);
   EXPECT_EQ(liveLists(), 0u);
+  EXPECT_EQ(liveBuffers(), 0u);
 }
 
 TEST_F(RetainedFrame, SinglePointsGoOutInOneBatchOnlyWithThePathOn) {

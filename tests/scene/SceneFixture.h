@@ -46,6 +46,12 @@ class SceneFixture : public ::testing::Test {
     for (unsigned id = 1; id <= 4096; ++id) n += glIsList(id) == GL_TRUE;
     return n;
   }
+  // The same for buffer objects.
+  static size_t liveBuffers() {
+    size_t n = 0;
+    for (unsigned id = 1; id <= 4096; ++id) n += glIsBuffer(id) == GL_TRUE;
+    return n;
+  }
 
  public:  // reached from table rows' builders
   CObjectSetMgr& set() { return *scene.getObjSetMgr(); }

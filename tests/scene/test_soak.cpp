@@ -24,6 +24,7 @@ TEST_F(Soak, TwoThousandFramesLeakNoDisplayList) {
     EXPECT_EQ(f.statics, 4u);
     mostLists = std::max(mostLists, f.listsOwned);
     EXPECT_EQ(f.listsLive, f.listsOwned + f.pending);
+    EXPECT_EQ(f.buffersLive, f.buffersOwned + f.buffersPending);
     EXPECT_LE(f.queued, 16u);  // one replaced object's lists a frame at most
   }
   EXPECT_GT(mostLists, 4u);  // window face meshes were drawn, not only the static objects
