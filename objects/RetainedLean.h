@@ -1,6 +1,6 @@
 #pragma once
-// Writes what the shape drawers draw, for a display list, with as few draws
-// as the picture allows. Mesa replays the vertices between two state
+// Writes what the shape drawers draw, for a display list or a recording,
+// with as few draws as the picture allows. Mesa replays the vertices between two state
 // changes as one draw, so vertices are gathered in buckets of equal state
 // (fills by polygon offset, lines by width and depth range) and each bucket
 // goes out as one glBegin/glEnd with colour and normal on every vertex:

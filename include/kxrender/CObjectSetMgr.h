@@ -173,7 +173,7 @@ class KXRENDER_API CObjectSetMgr {
   // with them, neighbours share retained lists.
   void drawObjects(const std::vector<CRenderObject*>& objs, const std::vector<uint32_t>* slots);
   void renderObjs(const std::vector<CRenderObject*>& objs, int mode, const std::vector<uint32_t>* slots);
-  // Hands the retained lists of groups of neighbours to the scene's deletion queue.
+  // Hands the retained buffers of groups of neighbours to the scene's deletion queue.
   void releaseGroupDrawings();
 
   std::map<unsigned, CRenderObject*> m_objects;
@@ -191,7 +191,6 @@ class KXRENDER_API CObjectSetMgr {
   std::vector<const CRenderShape*> m_outlineShapes;
   std::vector<CRenderObject*> m_frameObjects;  ///< kept between frames: no per-frame allocation
   std::vector<uint32_t> m_frameSlots;          ///< their places in the search tree
-  /// The retained list of each group of tree neighbours, and what it was compiled from.
   /// The shared drawings of groups of search-tree neighbours, by group.
   std::vector<std::shared_ptr<kxretained::GroupDrawing>> m_groupDrawings;
   std::vector<CRenderObject*> m_transparentObjects;
