@@ -87,6 +87,7 @@ void BenchTable::print(FILE* out) const {
   }
   std::fprintf(out, "\n");
   printMemoryRow(out, "peak memory, engine alone (MB)", m_engineMemory, sizes);
+  printMemoryRow(out, "peak memory, shadows on (MB)", m_shadowMemory, sizes);
   printMemoryRow(out, "poster peak memory (MB)", m_posterMemory, sizes);
   static const char* const countNames[] = {"objects", "polygons", "holes", "triangles", "vertices", "limit triangles"};
   for (int k = 0; k < 6; ++k) {

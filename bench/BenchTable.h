@@ -50,6 +50,9 @@ class BenchTable {
   // Peak resident memory of the engine's work alone, the limit's arrays and
   // list never in the process meanwhile.
   void setEngineMemory(const std::string& size, double mb) { m_engineMemory[size] = mb; }
+  // Peak resident memory of the rows with shadows (every object casting),
+  // run last, once the limit has gone.
+  void setShadowMemory(const std::string& size, double mb) { m_shadowMemory[size] = mb; }
   // Peak resident memory while the poster was rendered and written.
   void setPosterMemory(const std::string& size, double mb) { m_posterMemory[size] = mb; }
   void print(FILE* out) const;
@@ -61,4 +64,5 @@ class BenchTable {
   std::map<std::string, double> m_memory;
   std::map<std::string, double> m_engineMemory;
   std::map<std::string, double> m_posterMemory;
+  std::map<std::string, double> m_shadowMemory;
 };

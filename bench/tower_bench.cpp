@@ -420,7 +420,8 @@ int main(int argc, char** argv) {
       peak = std::max(g_model->processPeak, peakMemoryMB());
       // Without a limit row the whole run was the engine's.
       const double engine = g_model->enginePeak > 0.0 ? g_model->enginePeak : peak;
-      table.setEngineMemory(size, g_model->processPeak > 0.0 ? std::max(engine, peakMemoryMB()) : engine);
+      table.setEngineMemory(size, engine);
+      if (g_model->processPeak > 0.0) table.setShadowMemory(size, peakMemoryMB());
       if (poster && size == "M") posterRow(table, size);
     }
     g_model.reset();
