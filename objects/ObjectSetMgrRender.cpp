@@ -39,7 +39,10 @@ void CObjectSetMgr::releaseGroupDrawings() {
 }
 
 void CObjectSetMgr::releaseDispList() {
-  // The context is going away with every list and buffer in it.
+  // Like the shapes' lists, the groups' buffers go now, in the current
+  // context, which may be about to go or be left for another.
+  for (const auto& g : m_groupDrawings)
+    if (g && g->buffer != 0 && kgl->IsBuffer(g->buffer)) kgl->DeleteBuffers(1, &g->buffer);
   m_groupDrawings.clear();
   for (auto& kv : m_objects) {
     if (!kv.second) continue;
