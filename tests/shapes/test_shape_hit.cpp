@@ -176,6 +176,12 @@ TEST(FaceMeshTree, DroppedWhenTheMeshChanges) {
   s.calBox();
   EXPECT_FALSE(down(s, 1, 1, 2, true));
   EXPECT_TRUE(down(s, 11, 1, 2, true));
+  // A moved-in mesh brings its own tree: the old one would still answer at (1, 1).
+  CRenderShape other = mesh({{20, 0, 0}, {24, 0, 0}, {20, 4, 0}}, {0, 1, 2});
+  ASSERT_TRUE(down(other, 21, 1, 2, true));
+  s = std::move(other);
+  EXPECT_FALSE(down(s, 11, 1, 2, true));
+  EXPECT_TRUE(down(s, 21, 1, 2, true));
 }
 
 // 200,000 triangles: the tree answers the one under the ray, on a sloped
