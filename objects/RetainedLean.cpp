@@ -22,6 +22,23 @@ bool fits(const std::vector<uint16_t>& strip, size_t vertexCount) {
 }
 }  // namespace
 
+namespace {
+// The state a bucket is drawn in, as the writer and the replay both send
+// it: lines take their width and, over the faces, the overlay's depth
+// range; fills take their polygon offset and the pass's range.
+void sendState(bool lines, float a, float b, bool overlay, bool& overlaySent) {
+  if (lines) {
+    kgl->LineWidth(a);
+    if (overlay != overlaySent) kgl->DepthRange(overlay ? kOverlayNear : kPassNear, kFar);
+    overlaySent = overlay;
+  } else {
+    kgl->PolygonOffset(a, b);
+    if (overlaySent) kgl->DepthRange(kPassNear, kFar);
+    overlaySent = false;
+  }
+}
+}  // namespace
+
 bool canWrite(const CRenderShape& s) {
   return !s.getHit() && !s.getHighLight() && !s.isDotLine() && !s.hasTexture() &&
          s.getShpType() != CRenderShape::kText;
@@ -82,15 +99,7 @@ void LeanWriter::flush() {
       k.vertices.clear();
       continue;
     }
-    if (k.lines) {
-      kgl->LineWidth(k.a);
-      if (k.overlay != m_overlaySent) kgl->DepthRange(k.overlay ? kOverlayNear : kPassNear, kFar);
-      m_overlaySent = k.overlay;
-    } else {
-      kgl->PolygonOffset(k.a, k.b);
-      if (m_overlaySent) kgl->DepthRange(kPassNear, kFar);
-      m_overlaySent = false;
-    }
+    sendState(k.lines, k.a, k.b, k.overlay, m_overlaySent);
     kgl->Begin(k.lines ? GL_LINES : GL_TRIANGLES);
     // Every vertex carries the full set, so the whole list keeps one
     // vertex layout and Mesa never splits it for a format change.
@@ -249,16 +258,7 @@ void replay(const LeanRecording& r, unsigned buffer, const LeanVertex* last) {
   for (const LeanRecording::Step& s : r.steps) {
     switch (s.kind) {
       case LeanRecording::Step::kDraw:
-        // The state calls of LeanWriter::flush, in its order.
-        if (s.lines) {
-          kgl->LineWidth(s.a);
-          if (s.overlay != overlaySent) kgl->DepthRange(s.overlay ? kOverlayNear : kPassNear, kFar);
-          overlaySent = s.overlay;
-        } else {
-          kgl->PolygonOffset(s.a, s.b);
-          if (overlaySent) kgl->DepthRange(kPassNear, kFar);
-          overlaySent = false;
-        }
+        sendState(s.lines, s.a, s.b, s.overlay, overlaySent);
         kgl->DrawArrays(s.lines ? GL_LINES : GL_TRIANGLES, GLint(s.first), GLsizei(s.count));
         break;
       case LeanRecording::Step::kPush:
