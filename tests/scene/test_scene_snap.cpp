@@ -2,12 +2,10 @@
 // among kinds, hidden points, instanced exact data, and bad input.
 #include <cmath>
 #include <functional>
-#include <random>
 
 #include "TopViewFixture.h"
 #include "kxrender/AcGeCircArc3d.h"
 #include "kxrender/AcGeLineSeg3d.h"
-#include "kxrender/CRenderSysUtils.h"
 
 namespace {
 
@@ -26,6 +24,12 @@ class SceneSnap : public TopViewFixture {
   CRenderObject& add(CRenderObject* o) {
     set().addObject(o);
     return *o;
+  }
+  // An object through `pts` snapping to their closed outline.
+  CRenderObject& traced(const Pts& pts, CRenderShape::ShapeType kind = CRenderShape::kPline) {
+    CRenderObject& o = add(object(pts, kind));
+    o.setSnapCurves(outline(pts));
+    return o;
   }
   struct Snapped { bool ok; AcGePoint3d pt; CRenderObject::SnapMode kind; };
   Snapped snapAt(int x, int y, unsigned long mask, int aperture = 12, double tol = 1e-3) {
@@ -46,14 +50,13 @@ TEST_F(SceneSnap, EachKindAloneOnHandBuiltObjects) {
   } rows[] = {
       {"corner of a square", CRenderObject::kSnapEndPoint,
        [](SceneSnap& t) {
-         const Pts sq = t.rect(200, 200, 300, 300);
-         t.add(object(sq, CRenderShape::kPgon)).setSnapCurves(outline(sq));
-         return sq[2];
+         t.traced(t.rect(200, 200, 300, 300), CRenderShape::kPgon);
+         return t.at(300, 300);
        },
        296, 303},
       {"middle of a segment", CRenderObject::kSnapMidPoint,
        [](SceneSnap& t) {
-         t.add(object({t.at(300, 300), t.at(500, 300)})).setSnapCurves(outline({t.at(300, 300), t.at(500, 300)}));
+         t.traced({t.at(300, 300), t.at(500, 300)});
          return t.at(400, 300);
        },
        404, 297},
@@ -67,24 +70,23 @@ TEST_F(SceneSnap, EachKindAloneOnHandBuiltObjects) {
        401, 302},
       {"crossing of two walls' outlines", CRenderObject::kSnapIntersection,
        [](SceneSnap& t) {
-         const Pts a = t.rect(300, 290, 500, 310), b = t.rect(390, 200, 410, 400);
-         t.add(object(a, CRenderShape::kPgon)).setSnapCurves(outline(a));
-         t.add(object(b, CRenderShape::kPgon)).setSnapCurves(outline(b));
+         t.traced(t.rect(300, 290, 500, 310), CRenderShape::kPgon);
+         t.traced(t.rect(390, 200, 410, 400), CRenderShape::kPgon);
          return t.at(410, 310);
        },
        407, 312},
       {"foot of a perpendicular", CRenderObject::kSnapPerpendicular,
        [](SceneSnap& t) {
-         t.add(object({t.at(300, 300), t.at(500, 300)})).setSnapCurves(outline({t.at(300, 300), t.at(500, 300)}));
+         t.traced({t.at(300, 300), t.at(500, 300)});
          t.view().setSnapFirstPt(true, t.at(430, 100));
          return t.at(430, 300);
        },
        425, 303},
+      // The cursor (400, 306) is nearest the diagonal at (403, 303).
       {"nearest on a diagonal", CRenderObject::kSnapNearest,
        [](SceneSnap& t) {
          const AcGePoint3d a = t.at(300, 200), b = t.at(500, 400);
          t.add(object({a, b})).setSnapCurves({new AcGeLineSeg3d(a, b)});
-         // The cursor (400, 306) is nearest the diagonal at (403, 303).
          return t.at(403, 303);
        },
        400, 306},
@@ -96,9 +98,8 @@ TEST_F(SceneSnap, EachKindAloneOnHandBuiltObjects) {
        416, 318},
       {"grip", CRenderObject::kSnapGrip,
        [](SceneSnap& t) {
-         t.add(object(t.rect(380, 280, 420, 320), CRenderShape::kPgon))
-             .gripPoint()
-             .push_back(CGripPoint(t.at(380, 300), {1, 0, 0}));
+         CRenderObject& o = t.add(object(t.rect(380, 280, 420, 320), CRenderShape::kPgon));
+         o.gripPoint().emplace_back(t.at(380, 300), AcGeVector3d(1, 0, 0));
          return t.at(380, 300);
        },
        385, 296},
@@ -120,8 +121,7 @@ TEST_F(SceneSnap, EachKindAloneOnHandBuiltObjects) {
 
 TEST_F(SceneSnap, PriorityAmongKindsInTheAperture) {
   // Segment (300, 300)-(500, 300) with a snap point at (306, 304).
-  add(object({at(300, 300), at(500, 300)})).setSnapCurves(outline({at(300, 300), at(500, 300)}));
-  set().getObj(1)->setSnapPoints({at(306, 304)});
+  traced({at(300, 300), at(500, 300)}).setSnapPoints({at(306, 304)});
   scene.setSnapFirstPt(true, at(398, 100));
   scene.render();
   const struct { unsigned long mask; int x, y; CRenderObject::SnapMode kind; double px, py; } rows[] = {
@@ -184,34 +184,9 @@ TEST_F(SceneSnap, ExactDataSnapsUnderEachInstanceMatrix) {
   }
 }
 
-TEST_F(SceneSnap, IntersectionAgreesWithTheGeometryUtilities) {
-  std::mt19937 rng(11);
-  std::uniform_real_distribution<double> px(250, 550), angle(0, M_PI), len(20, 150);
-  for (int i = 0; i < 40; ++i) {
-    set().clear();
-    const AcGePoint3d p = at(px(rng), px(rng) - 50);
-    AcGeLineSeg3d segs[2];
-    double a0 = angle(rng);
-    for (int k = 0; k < 2; ++k) {
-      const double a = a0 + k * (0.3 + angle(rng) * 0.8);
-      const AcGeVector3d d = AcGeVector3d(std::cos(a), std::sin(a), 0) * pixel();
-      segs[k].set(p - d * len(rng), p + d * len(rng));
-      add(object({segs[k].startPoint(), segs[k].endPoint()})).setSnapCurves({new AcGeLineSeg3d(segs[k])});
-    }
-    std::vector<AcGePoint3d> ref;
-    ASSERT_TRUE(CRenderSysUtils::curveIntersectWithCurve(segs[0], segs[1], ref, CRenderSysUtils::PRECISION));
-    scene.render();
-    const CPoint c = scene.world2screen(ref[0]);
-    const Snapped s = snapAt(c.x, c.y, CRenderObject::kSnapIntersection);
-    ASSERT_TRUE(s.ok) << i;
-    EXPECT_LE(s.pt.distanceTo(ref[0]), CRenderSysUtils::PRECISION) << i;
-  }
-}
-
 TEST_F(SceneSnap, BadInputFindsNothingOrDegradesQuietly) {
   const Pts sq = rect(300, 300, 340, 340);
-  CRenderObject& o = add(object(sq));
-  o.setSnapCurves(outline(sq));
+  CRenderObject& o = traced(sq);
   scene.render();
   // Snapping off, a closed aperture or a cursor off the view: false at
   // once, outputs untouched.
