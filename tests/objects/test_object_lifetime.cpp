@@ -1,6 +1,5 @@
 // Who owns what: objects added once, sets and scenes copied and destroyed in
-// any order, display lists handed back on every path that drops them, and
-// accessors of empty lists. The memory faults these guard against show as
+// any order, and display lists handed back on every path that drops them. The memory faults these guard against show as
 // crashes or sanitizer reports.
 #include "ObjectHelpers.h"
 #include "kxrender/CSceneMgr.h"
@@ -60,21 +59,6 @@ TEST(ObjectOwnership, CopiedSetsOwnTheirOwnObjects) {
   EXPECT_EQ(copy.addObject(new CRenderObject(loose)), id + 2);
   *copy.getObj(id + 1) = loose;
   EXPECT_EQ(copy.getObj(id + 1)->getId(), id + 1);
-}
-
-TEST(ObjectOwnership, EmptyListsGiveNothingInsteadOfReadingPastThem) {
-  CRenderObject empty;
-  empty.getShape(3).getPts().push_back(AcGePoint3d());  // discarded
-  EXPECT_TRUE(empty.getShape(3).getPts().empty() && empty.getShape(0).getPts().empty());
-  EXPECT_EQ(empty.numShp(), 0u);
-  EXPECT_TRUE(empty.getLodShpss(2).empty());
-  EXPECT_TRUE(empty.getLodExaShapeNum(1) == 0u && empty.getLodUnitsPerPixel(0) == 0.0f);
-
-  CRenderObject lod;
-  lod.setLodLevel(2);
-  lod.getLodUnitsPerPixel(1) = 4.0f;
-  EXPECT_EQ(lod.getLodUnitsPerPixel(9), 4.0f);  // clamped to the last level
-  EXPECT_EQ(&lod.getLodShpss(5), &lod.getLodShpss(1));
 }
 
 class ObjectLists : public SceneFixture {

@@ -14,10 +14,16 @@ CRenderShape typed(int type, double x) {
 }
 }  // namespace
 
-TEST(RenderObjectShapes, IndexAccessClampsToTheLastShape) {
+// Indices past the end clamp to the last entry; empty lists give a scratch
+// value instead of reading past them.
+TEST(RenderObjectShapes, IndexAccessClampsToTheLastEntryAndEmptyListsGiveNothing) {
   CRenderObject o;
   o.setShapeColor(5, CColor(1, 2, 3, 4));  // no shapes: nothing happens
   EXPECT_EQ(o.getShapeColor(0), CColor());
+  o.getShape(3).getPts().push_back(AcGePoint3d());  // discarded
+  EXPECT_TRUE(o.getShape(3).getPts().empty() && o.numShp() == 0u);
+  EXPECT_TRUE(o.getLodShpss(2).empty());
+  EXPECT_TRUE(o.getLodExaShapeNum(1) == 0u && o.getLodUnitsPerPixel(0) == 0.0f);
   for (int i = 0; i < 3; ++i) o.addShape(rectShape(i, 0, i + 1, 1, 0));
   EXPECT_EQ(&o.getShape(o.numShp()), &o.getShape(2));
   EXPECT_EQ(&o[99], &o.getShape(2));
@@ -28,6 +34,10 @@ TEST(RenderObjectShapes, IndexAccessClampsToTheLastShape) {
   unsigned one = 1, far = 40;
   EXPECT_TRUE(o.getShapeHit(one));
   EXPECT_FALSE(o.getShapeHit(far));
+  o.setLodLevel(2);
+  o.getLodUnitsPerPixel(1) = 4.0f;
+  EXPECT_EQ(o.getLodUnitsPerPixel(9), 4.0f);  // clamped to the last level
+  EXPECT_EQ(&o.getLodShpss(5), &o.getLodShpss(1));
 }
 
 TEST(RenderObjectShapes, EndAddShapeDropsInvalidShapesAndTrimsStorage) {
