@@ -266,23 +266,3 @@ TEST_F(ObjectFrame, XorTrackingAndAcceleratedCullingOfSmallObjects) {
   EXPECT_TRUE(o->renderedFlag1());
   EXPECT_EQ(colourCalls(rec, 1, 2, 3), 0u);
 }
-
-TEST_F(ObjectFrame, BadObjectsAndEmptySetsDrawWithoutHarm) {
-  frame();  // empty set
-  const double nan = std::nan("");
-  CRenderShape s;
-  s.set({{nan, nan, nan}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {}, CRenderShape::kPgon, CColor(), AcGeVector3d(0, 0, 1));
-  set().addObject(objectOf({s}));
-  set().addObject(new CRenderObject);
-  CRenderShape noNormals;
-  noNormals.setFaceType(false);
-  std::vector<AcGePoint3d> v{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
-  std::vector<int> tri{0, 1, 2};
-  noNormals.setFaceVertexArray(&v);
-  noNormals.setFaceTriangleIndexArray(&tri);
-  set().addObject(objectOf({noNormals}));
-  set().delObject(12345);
-  frame();
-  EXPECT_TRUE(near(pixel(32, 32), 0, 0, 0));
-  EXPECT_EQ(kgl->GetError(), static_cast<GLenum>(GL_NO_ERROR));
-}

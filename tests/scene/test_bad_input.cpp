@@ -1,8 +1,9 @@
 // Hostile input at every entry point that takes geometry or ids: non-finite,
 // huge, signed-zero and denormal numbers, degenerate, huge and
 // self-intersecting contours, unknown, deleted and exhausted ids, indices
-// past the end. Nothing may crash, and afterwards the scene still draws and
-// picks its floor, with the object count unchanged where a call was refused.
+// past the end. Nothing may crash or leave a GL error, and afterwards the
+// scene still draws and picks its floor, with the object count unchanged
+// where a call was refused.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -95,6 +96,7 @@ class BadInput : public SceneFixture {
     scene.camera()->ReSet(AcGeVector3d(0, 0, 100), AcGeVector3d(0, 1, 0), AcGeVector3d(0, 0, -1));
     scene.setRange(150);
     frame();
+    EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
     EXPECT_EQ(pixel(32, 32), floorPixel);
     unsigned id = 0, shape = 99;
     EXPECT_TRUE(scene.pick(CPoint(32, 32), id, shape, 0, nullptr, true));
@@ -175,6 +177,7 @@ TEST_F(BadInput, FaceMeshesWithHostileArrays) {
       {"negative indices", square(), {0, -1, 2}, 4},
       {"index count not a multiple of 3", square(), {0, 1, 2, 3}, 4},
       {"fewer normals than vertices", square(), {0, 1, 2}, 1},
+      {"no normals", square(), {0, 1, 2}, 0},
       {"non-finite vertex", {{kNaN, 0, 0}, {kInf, 1, 0}, {0, -kInf, 0}}, {0, 1, 2}, 3},
       {"huge vertex", {{1e300, 0, 0}, {-1e300, 1, 0}, {0, 1e300, 0}}, {0, 1, 2}, 3},
   };
@@ -199,6 +202,7 @@ TEST_F(BadInput, FaceMeshesWithHostileArrays) {
   nulls.setFaceNormalArray(nullptr);
   nulls.setFaceTexCoordArray(nullptr);
   exercise("null arrays", objectOf({nulls}));
+  exercise("no shapes", new CRenderObject);
 }
 
 TEST_F(BadInput, TextWithHostilePlacement) {
