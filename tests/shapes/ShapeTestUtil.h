@@ -52,6 +52,17 @@ inline CRenderShape textShape(const char* text, const AcGePoint3d& pos = AcGePoi
   s.set(t, c, kUp);
   return s;
 }
+// A face mesh holding copies of v and idx, every normal +z, its box set.
+inline CRenderShape faceMesh(Contour v, std::vector<int> idx) {
+  CRenderShape s;
+  s.setFaceType();
+  std::vector<AcGeVector3d> n(v.size(), kUp);
+  s.setFaceVertexArray(&v);
+  s.setFaceTriangleIndexArray(&idx);
+  s.setFaceNormalArray(&n);
+  s.calBox();
+  return s;
+}
 inline double ngonArea(double r, int n) { return 0.5 * n * r * r * std::sin(2 * M_PI / n); }
 
 struct Tri {

@@ -17,20 +17,11 @@ using namespace shapetest;
 
 namespace {
 
-// A face mesh owning copies of the given arrays, each triangle's corners
-// also a hit line.
+// A face mesh whose triangles' corners are also its hit lines.
 CRenderShape mesh(const Contour& v, const std::vector<int>& idx) {
-  CRenderShape s;
-  s.setFaceType(false);
-  std::vector<int> i(idx);
-  Contour vv(v);
-  std::vector<AcGeVector3d> n(v.size(), kUp);
-  s.setFaceVertexArray(&vv);
-  s.setFaceTriangleIndexArray(&i);
-  s.setFaceNormalArray(&n);
+  CRenderShape s = faceMesh(v, idx);
   for (size_t k = 0; k + 2 < idx.size(); k += 3)
     s.addHitLine({v[size_t(idx[k])], v[size_t(idx[k + 1])], v[size_t(idx[k + 2])]});
-  s.calBox();
   return s;
 }
 

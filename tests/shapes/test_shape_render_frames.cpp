@@ -12,14 +12,7 @@ const std::string kPush = "glPushAttrib(2928)";  // 0x0B70
 
 // Two triangles covering (8, 8)-(56, 56), with its outline as the edge line.
 CRenderShape quadFace(const CColor& clr = CColor(0, 200, 0, 255)) {
-  CRenderShape s;
-  s.setFaceType();
-  std::vector<AcGePoint3d> v = {{8, 8, 0}, {56, 8, 0}, {56, 56, 0}, {8, 56, 0}};
-  std::vector<int> idx = {0, 1, 2, 0, 2, 3};
-  std::vector<AcGeVector3d> n(4, AcGeVector3d(0, 0, 1));
-  s.setFaceVertexArray(&v);
-  s.setFaceTriangleIndexArray(&idx);
-  s.setFaceNormalArray(&n);
+  CRenderShape s = faceMesh({{8, 8, 0}, {56, 8, 0}, {56, 56, 0}, {8, 56, 0}}, {0, 1, 2, 0, 2, 3});
   s.setClr(clr);
   s.addHitLine({{8, 8, 0}, {56, 8, 0}, {56, 56, 0}, {8, 56, 0}, {8, 8, 0}});
   return s;

@@ -21,27 +21,23 @@ struct PrivateChannel {
 
 KX_PRIVATE_MEMBER(StartCountOf, &CUseTime::startCount);
 KX_PRIVATE_MEMBER(EndCountOf, &CUseTime::endCount);
-KX_PRIVATE_MEMBER(FrequencyOf, &CUseTime::frequency);
 struct CUseTimeAccess {
   static void setCounts(CUseTime& t, int64_t start, int64_t end) {
     t.*privateMember(StartCountOf{}) = start;
     t.*privateMember(EndCountOf{}) = end;
   }
-  static int64_t frequency(const CUseTime& t) { return t.*privateMember(FrequencyOf{}); }
 };
 
 TEST(CUseTime, MicrosecondsFromCountsAndClocksRunForwards) {
   CUseTime t(true);
-  ASSERT_EQ(CUseTimeAccess::frequency(t), 10000000);
   const struct { int64_t start, end; unsigned micro; } rows[] = {
-      {1000, 1000 + 15000, 1500},
       {10, 0, static_cast<unsigned>(-1)},  // a reversed interval wraps rather than failing
-      {0, int64_t(6) * 3600 * 10000000, static_cast<unsigned>(uint64_t(6) * 3600 * 1000000)}};  // 64-bit counts
+      {0, int64_t(6) * 3600 * 10000000, static_cast<unsigned>(uint64_t(6) * 3600 * 1000000)},  // 64-bit counts
+      {1000, 1000 + 15000, 1500}};  // 100 ns counts; kept for the text form below
   for (const auto& r : rows) {
     CUseTimeAccess::setCounts(t, r.start, r.end);
     EXPECT_EQ(t.getTime(), r.micro) << r.end;
   }
-  CUseTimeAccess::setCounts(t, 1000, 1000 + 15000);
   EXPECT_EQ(t.GetTimeStr(), "1.500");
   t.start();
   t.end();
