@@ -44,6 +44,9 @@ void CObjectSetMgr::releaseDispList() {
   for (const auto& g : m_groupDrawings)
     if (g && g->buffer != 0 && kgl->IsBuffer(g->buffer)) kgl->DeleteBuffers(1, &g->buffer);
   m_groupDrawings.clear();
+  if (!m_occlusionQueries.empty())
+    kgl->DeleteQueries(GLsizei(m_occlusionQueries.size()), m_occlusionQueries.data());
+  m_occlusionQueries.clear();
   for (auto& kv : m_objects) {
     if (!kv.second) continue;
     kv.second->releaseRetainedList();
@@ -203,6 +206,7 @@ void CObjectSetMgr::drawObjects(const std::vector<CRenderObject*>& objs, const s
   const bool grouped = slots && slots->size() == objs.size() && kxretained::inObjectPass();
   constexpr uint32_t kNone = CObjectSearchTree::kNoSlot;
   uint32_t open = kNone;
+  if (grouped) kxretained::beginOcclusion(&m_occlusionQueries);
   for (size_t i = 0; i < objs.size(); ++i) {
     if (grouped) {
       const uint32_t slot = (*slots)[i];
@@ -221,6 +225,7 @@ void CObjectSetMgr::drawObjects(const std::vector<CRenderObject*>& objs, const s
   }
   if (open != kNone) kxretained::closeGroup(m_scene);
   if (!grouped) return;
+  kxretained::endOcclusion();
   // A rebuilt, smaller tree leaves groups past its end.
   const size_t groups = (m_searchTree->slotCount() >> kGroupShift) + 1;
   while (m_groupDrawings.size() > groups) {

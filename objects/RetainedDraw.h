@@ -50,11 +50,29 @@ struct GroupDrawing {
   LeanRecording steps;  // its vertices are in the buffer, not here
   LeanVertex last{};    // the last vertex sent, for the state it leaves
   bool hasLast = false;
+  // Where its vertices lie, for the occlusion test; not boxed when a matrix
+  // moves them or a fill is pulled towards the eye.
+  bool boxed = false;
+  float box[6] = {};      // min x, y, z, then max x, y, z
+  float widestLine = 0;   // pixels
+  bool hidden = false;    // no sample passed when it was last drawn or tested
 };
 // Queues the buffer for deletion and forgets the drawing.
 void releaseGroup(GroupDrawing& g, CSceneMgr* scene);
 void openGroup(GroupDrawing* g);
 void closeGroup(CSceneMgr* scene);
+// Occlusion culling of group drawings, in parallel views. A group whose
+// drawing passed no sample last frame is not drawn; after the pass its box
+// is tested against the depth the pass left, and the groups that turn out
+// to show are drawn then. So a frame shows exactly what drawing everything
+// would, and a building seen from outside draws little of its inside.
+// queries: the object set's query names (kept per context, grown here);
+// null switches culling off for this pass.
+void beginOcclusion(std::vector<unsigned>* queries);
+void endOcclusion();
+// Draws a recorded group, or leaves it for the test after the pass.
+void drawGroup(GroupDrawing& g);
+
 // Whether a display list is being compiled (a static object's, say): lists
 // cannot nest, so retained drawing then steps aside.
 bool compilingOtherList();

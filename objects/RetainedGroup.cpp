@@ -1,5 +1,7 @@
 // Groups of search-tree neighbours drawn through one shared recording (see
 // RetainedDraw.h).
+#include <algorithm>
+#include <cmath>
 #include <vector>
 
 #include "kxrender/CRenderObject.h"
@@ -58,6 +60,28 @@ bool compilingOtherList() {
   return index != 0;
 }
 
+namespace {
+// The box of a new recording, and the widest line it draws.
+void boxGroup(GroupDrawing& g, const std::vector<LeanVertex>& vertices) {
+  g.hidden = false;
+  g.boxed = !vertices.empty();
+  g.widestLine = 0.0f;
+  for (const LeanRecording::Step& s : g.steps.steps) {
+    if (s.kind != LeanRecording::Step::kDraw) g.boxed = false;
+    else if (s.lines) g.widestLine = std::max(g.widestLine, s.a);
+    else if (s.a < 0.0f || s.b < 0.0f) g.boxed = false;
+  }
+  if (!g.boxed) return;
+  for (int k = 0; k < 3; ++k) g.box[k] = g.box[k + 3] = vertices[0].p[k];
+  for (const LeanVertex& v : vertices)
+    for (int k = 0; k < 3; ++k) {
+      g.box[k] = std::min(g.box[k], v.p[k]);
+      g.box[k + 3] = std::max(g.box[k + 3], v.p[k]);
+    }
+  for (float f : g.box) g.boxed = g.boxed && std::isfinite(f);
+}
+}  // namespace
+
 void openGroup(GroupDrawing* g) {
   g_group.drawing = g;
   g_group.joinedKey = 0x51ed270b27a1f3c5ULL;
@@ -103,7 +127,7 @@ void closeGroup(CSceneMgr* scene) {
   // for when they come back.
   if (g_group.items.empty()) return;
   if (g.buffer != 0 && g.key == g_group.joinedKey) {
-    replay(g.steps, g.buffer, g.hasLast ? &g.last : nullptr);
+    drawGroup(g);
     return;
   }
   releaseGroup(g, scene);
@@ -133,7 +157,8 @@ void closeGroup(CSceneMgr* scene) {
                   GL_STATIC_DRAW);
   kgl->BindBuffer(GL_ARRAY_BUFFER, 0);
   g.key = g_group.joinedKey;
-  replay(g.steps, g.buffer, g.hasLast ? &g.last : nullptr);
+  boxGroup(g, vertices);
+  drawGroup(g);
 }
 
 }  // namespace kxretained

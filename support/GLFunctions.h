@@ -105,6 +105,11 @@
   X(void, BindBuffer, (GLenum target, GLuint b), (target, b))                                                     \
   X(void, BufferData, (GLenum target, GLsizeiptr size, const void* data, GLenum usage), (target, size, data, usage)) \
   X(GLboolean, IsBuffer, (GLuint b), (b))                                                                         \
+  X(void, GenQueries, (GLsizei n, GLuint* q), (n, q))                                                            \
+  X(void, DeleteQueries, (GLsizei n, const GLuint* q), (n, q))                                                    \
+  X(void, BeginQuery, (GLenum target, GLuint q), (target, q))                                                     \
+  X(void, EndQuery, (GLenum target), (target))                                                                    \
+  X(void, GetQueryObjectuiv, (GLuint q, GLenum pname, GLuint* v), (q, pname, v))                                  \
   X(void, GenTextures, (GLsizei n, GLuint* t), (n, t))                                                            \
   X(void, DeleteTextures, (GLsizei n, const GLuint* t), (n, t))                                                   \
   X(void, BindTexture, (GLenum target, GLuint t), (target, t))                                                    \
