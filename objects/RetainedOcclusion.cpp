@@ -1,7 +1,8 @@
 // Occlusion culling of group drawings (see RetainedDraw.h). The groups that
 // showed last frame draw inside a samples-passed query; the others are
 // tested after the pass by their box, grown by the widest line they draw,
-// and drawn late when a sample of the box passes. The box is nearer than
+// and drawn late when a sample of the box passes. Only the box faces turned
+// to the eye are tested: the view's handedness says which those are. The box is nearer than
 // anything inside it and drawn in the lines' depth range, so a box that
 // passes nothing hides a group that would have drawn nothing.
 #include <algorithm>
@@ -45,8 +46,7 @@ unsigned nextQuery() {
   return names[g_pass.used++];
 }
 
-// Parallel views only: a box the eye stands in, or that the near plane
-// cuts, would test its far faces. The same for clip planes the host set.
+// The determinant of a column-major matrix's 3 x 3 part.
 double det3(const GLdouble* m) {
   return m[0] * (m[5] * m[10] - m[6] * m[9]) - m[4] * (m[1] * m[10] - m[2] * m[9]) +
          m[8] * (m[1] * m[6] - m[2] * m[5]);
