@@ -6,14 +6,17 @@
 
 #include "kxrender/CSimpleMatrix.h"
 #include "shapes/FaceTriangles.h"
+#include "shapes/ShapeRenderState.h"
 #include "support/GLTable.h"
 
 namespace kxretained {
 
 namespace {
-// The depth ranges of the object pass and of the line overlay.
-constexpr double kPassNear = 0.1, kOverlayNear = 0.09995, kFar = 1.0;
-constexpr float kFaceLineWidth = 1.2f;
+// The object pass's depth range; lines over faces take the shape drawers'
+// overlay range, which the occlusion boxes use too.
+constexpr double kPassNear = 0.1, kFar = kxshape::kOverlayFar;
+using kxshape::kFaceLineWidth;
+using kxshape::kOverlayNear;
 
 bool fits(const std::vector<uint16_t>& strip, size_t vertexCount) {
   for (uint16_t i : strip)

@@ -138,7 +138,7 @@ void endOcclusion() {
   constexpr unsigned kRecheck = 16;
   const size_t waiting = g_pass.tested.size();
   for (size_t i = 0; i < g_pass.drawn.size(); ++i)
-    if ((i + g_pass.frame) % kRecheck == 0) g_pass.tested.push_back({g_pass.drawn[i].group, g_pass.drawn[i].drawing, 0u});
+    if ((i + g_pass.frame) % kRecheck == 0) g_pass.tested.push_back({g_pass.drawn[i].group, 0u, 0u});
   if (!g_pass.tested.empty()) {
     // Depth test only: nothing written, nothing discarded but by depth.
     kgl->PushAttrib(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_ENABLE_BIT | GL_POLYGON_BIT | GL_VIEWPORT_BIT);
