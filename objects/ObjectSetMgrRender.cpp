@@ -44,9 +44,6 @@ void CObjectSetMgr::releaseDispList() {
   for (const auto& g : m_groupDrawings)
     if (g && g->buffer != 0 && kgl->IsBuffer(g->buffer)) kgl->DeleteBuffers(1, &g->buffer);
   m_groupDrawings.clear();
-  if (!m_occlusionQueries.empty())
-    kgl->DeleteQueries(GLsizei(m_occlusionQueries.size()), m_occlusionQueries.data());
-  m_occlusionQueries.clear();
   for (auto& kv : m_objects) {
     if (!kv.second) continue;
     kv.second->releaseRetainedList();
@@ -206,7 +203,7 @@ void CObjectSetMgr::drawObjects(const std::vector<CRenderObject*>& objs, const s
   const bool grouped = slots && slots->size() == objs.size() && kxretained::inObjectPass();
   constexpr uint32_t kNone = CObjectSearchTree::kNoSlot;
   uint32_t open = kNone;
-  if (grouped) kxretained::beginOcclusion(&m_occlusionQueries);
+  if (grouped) kxretained::beginOcclusion();
   for (size_t i = 0; i < objs.size(); ++i) {
     if (grouped) {
       const uint32_t slot = (*slots)[i];

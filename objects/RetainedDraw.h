@@ -55,20 +55,18 @@ struct GroupDrawing {
   bool boxed = false;
   float box[6] = {};      // min x, y, z, then max x, y, z
   float widestLine = 0;   // pixels
-  bool hidden = false;    // no sample passed when it was last drawn or tested
+  bool hidden = false;    // its box was covered when last tested
 };
 // Queues the buffer for deletion and forgets the drawing.
 void releaseGroup(GroupDrawing& g, CSceneMgr* scene);
 void openGroup(GroupDrawing* g);
 void closeGroup(CSceneMgr* scene);
-// Occlusion culling of group drawings, in parallel views. A group whose
-// drawing passed no sample last frame is not drawn; after the pass its box
-// is tested against the depth the pass left, and the groups that turn out
-// to show are drawn then. So a frame shows exactly what drawing everything
+// Occlusion culling of group drawings, in parallel views. A group whose box
+// the others covered last frame is not drawn; after the pass its box is
+// tested against the depth the pass left, and the groups that turn out to
+// show are drawn then. So a frame shows exactly what drawing everything
 // would, and a building seen from outside draws little of its inside.
-// queries: the object set's query names (kept per context, grown here);
-// null switches culling off for this pass.
-void beginOcclusion(std::vector<unsigned>* queries);
+void beginOcclusion();
 void endOcclusion();
 // Draws a recorded group, or leaves it for the test after the pass.
 void drawGroup(GroupDrawing& g);

@@ -105,11 +105,6 @@
   X(void, BindBuffer, (GLenum target, GLuint b), (target, b))                                                     \
   X(void, BufferData, (GLenum target, GLsizeiptr size, const void* data, GLenum usage), (target, size, data, usage)) \
   X(GLboolean, IsBuffer, (GLuint b), (b))                                                                         \
-  X(void, GenQueries, (GLsizei n, GLuint* q), (n, q))                                                            \
-  X(void, DeleteQueries, (GLsizei n, const GLuint* q), (n, q))                                                    \
-  X(void, BeginQuery, (GLenum target, GLuint q), (target, q))                                                     \
-  X(void, EndQuery, (GLenum target), (target))                                                                    \
-  X(void, GetQueryObjectuiv, (GLuint q, GLenum pname, GLuint* v), (q, pname, v))                                  \
   X(void, GenTextures, (GLsizei n, GLuint* t), (n, t))                                                            \
   X(void, DeleteTextures, (GLsizei n, const GLuint* t), (n, t))                                                   \
   X(void, BindTexture, (GLenum target, GLuint t), (target, t))                                                    \
@@ -121,6 +116,7 @@
      const void* px),                                                                                             \
     (target, level, ifmt, w, h, border, fmt, type, px))                                                           \
   X(void, GenerateMipmap, (GLenum target), (target))                                                              \
+  X(void, PixelTransferf, (GLenum pname, GLfloat v), (pname, v))                                                  \
   X(void, PixelStorei, (GLenum pname, GLint v), (pname, v))                                                       \
   X(void, ReadPixels, (GLint x, GLint y, GLsizei w, GLsizei h, GLenum fmt, GLenum type, void* px),                \
     (x, y, w, h, fmt, type, px))

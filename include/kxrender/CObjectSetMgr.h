@@ -193,7 +193,6 @@ class KXRENDER_API CObjectSetMgr {
   std::vector<uint32_t> m_frameSlots;          ///< their places in the search tree
   /// The shared drawings of groups of search-tree neighbours, by group.
   std::vector<std::shared_ptr<kxretained::GroupDrawing>> m_groupDrawings;
-  std::vector<unsigned> m_occlusionQueries;  ///< the groups' query names, in the context that drew them
   std::vector<CRenderObject*> m_transparentObjects;
   std::vector<CRenderObject*> m_listedObjects;  ///< the same, sorted by address
   /// Taken ids tried in a row before giving up; tests lower it.
