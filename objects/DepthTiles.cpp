@@ -29,12 +29,15 @@ struct DepthTiles::Box {
   int x0 = 0, y0 = 0, x1 = 0, y1 = 0;  // pixels it may touch, inclusive
 };
 
-bool DepthTiles::read(const int viewport[4]) {
-  m_width = m_height = 0;
+bool DepthTiles::canRead(const int viewport[4]) {
   GLint packBuffer = 0;
   kgl->GetIntegerv(GL_PIXEL_PACK_BUFFER_BINDING, &packBuffer);
-  if (viewport[2] <= 0 || viewport[3] <= 0 || double(viewport[2]) * viewport[3] > kMostPixels || packBuffer != 0)
-    return false;
+  return viewport[2] > 0 && viewport[3] > 0 && double(viewport[2]) * viewport[3] <= kMostPixels && packBuffer == 0;
+}
+
+bool DepthTiles::read(const int viewport[4]) {
+  m_width = m_height = 0;
+  if (!canRead(viewport)) return false;
   std::vector<float>& depth = m_levels[2].farthest;
   depth.resize(size_t(viewport[2]) * size_t(viewport[3]));
   // The host's pixel store and depth scale would change what is read.

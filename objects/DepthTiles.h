@@ -12,8 +12,11 @@ namespace kxretained {
 
 class DepthTiles {
  public:
-  // Reads the depth of the viewport (x, y, width, height) from the bound
-  // framebuffer; false when there is nothing to read.
+  // Whether the viewport (x, y, width, height) is one read() takes: not
+  // empty, not past the size worth reading, no pack buffer bound.
+  static bool canRead(const int viewport[4]);
+  // Reads the depth of the viewport from the bound framebuffer; false when
+  // it cannot.
   bool read(const int viewport[4]);
 
   // Whether a fragment of the box's faces turned to the eye could pass a

@@ -77,6 +77,9 @@ bool viewAllowsCulling(OcclusionPass& pass, double& depthExtent) {
   multiply(p, v, clip);
   multiply(window, clip, pass.toWindow);
   std::copy(viewport, viewport + 4, pass.viewport);
+  // Unread, every box would show and the groups left out draw late, out of
+  // their order.
+  if (!DepthTiles::canRead(viewport)) return false;
   for (double x : pass.toWindow)
     if (!std::isfinite(x)) return false;
   return scale != 0.0 && std::isfinite(pass.pixel) && std::isfinite(depthExtent);
