@@ -46,9 +46,9 @@ void multiply(const double* a, const double* b, double* out) {
 // Parallel views only: in a perspective view a box the eye stands in, or
 // that the near plane cuts, has no front to test; clip planes the host set
 // cut boxes too. The depth test must be one that a nearer box passes
-// first, and the depth buffer read must be the one drawn into. Sets the pass's largest
-// pixel in world units, the depth range's extent and the world-to-window
-// transform the boxes take.
+// first, and the depth buffer read must be the one drawn into. Sets the
+// pass's largest pixel in world units, the depth range's extent and the
+// world-to-window transform the boxes take.
 bool viewAllowsCulling(OcclusionPass& pass, double& depthExtent) {
   GLdouble p[16] = {}, v[16] = {};
   GLint viewport[4] = {}, depthFunc = 0, samples = 0, reading = 0, drawing = 0;
