@@ -17,17 +17,6 @@ const GLbitfield kAttribMask = 0x0B70;
 // Tree places per shared retained list: large enough that a frame replays
 // few lists, small enough that an edit recompiles little.
 constexpr unsigned kGroupShift = 6;
-
-// The walk over the objects is bound by memory: each object's shapes are a
-// block of their own, all read to key what the object draws. Asking for the
-// blocks a few objects ahead overlaps their loads with the work on this one.
-void prefetchAhead(const std::vector<CRenderObject*>& objs, size_t i) {
-  if (i + 8 < objs.size()) __builtin_prefetch(objs[i + 8]);
-  if (i + 4 >= objs.size() || !objs[i + 4]) return;
-  const std::vector<CRenderShape>& shapes = objs[i + 4]->getShps();
-  const char* bytes = reinterpret_cast<const char*>(shapes.data());
-  for (size_t b = 0; b < shapes.size() * sizeof(CRenderShape); b += 64) __builtin_prefetch(bytes + b);
-}
 }  // namespace
 
 void CObjectSetMgr::setRenderMode(CRenderObject::RenderMode mode) {
@@ -229,7 +218,6 @@ void CObjectSetMgr::drawObjects(const std::vector<CRenderObject*>& objs, const s
         }
       }
     }
-    prefetchAhead(objs, i);
     if (objs[i]) objs[i]->render(true, &unitsPerPixel, &pixelsPerUnit, &viewDirection);
   }
   if (open != kNone) kxretained::closeGroup(m_scene);
