@@ -99,10 +99,14 @@ bool CRenderSysUtils::polyClockWise(const std::vector<AcGePoint3d>& points) {
 
 void CRenderSysUtils::cvtClock(std::vector<AcGePoint3d>& points, const AcGeVector3d& normal, bool clockwise) {
   if (points.empty()) return;
-  std::vector<AcGePoint3d> local(points);
+  // Scratch kept per thread: building a model orients every contour, and a
+  // copy each would be an allocation each.
+  thread_local std::vector<AcGePoint3d> local;
+  local.assign(points.begin(), points.end());
   AcGeMatrix3d toPlane = AcGeMatrix3d::worldToPlane(AcGePlane(points[0], normal));
   for (AcGePoint3d& p : local) p.transformBy(toPlane);
   if (polyClockWise(local) != clockwise) std::reverse(points.begin(), points.end());
+  if (local.capacity() > 4096) std::vector<AcGePoint3d>().swap(local);  // keep no huge contour's room
 }
 
 double CRenderSysUtils::calPolyArea(const std::vector<AcGePoint3d>& points) {

@@ -68,16 +68,15 @@ void CObjectSearchTree::clear() {
 }
 
 void CObjectSearchTree::insert(CRenderObject* obj) {
-  if (!obj || m_where.count(obj)) return;
-  Entry e{};
+  if (!obj) return;
   // An object without a finite box is known (so remove works) but never
   // found, and stays out of the tree where it would upset the ordering.
-  if (!boxOf(obj, e.box)) {
-    m_where[obj] = Where{false, kUnindexed};
-    return;
-  }
+  const auto placed = m_where.try_emplace(obj, Where{false, kUnindexed});
+  if (!placed.second) return;
+  Entry e{};
+  if (!boxOf(obj, e.box)) return;
   e.obj = obj;
-  m_where[obj] = Where{true, static_cast<uint32_t>(m_pending.size())};
+  placed.first->second = Where{true, static_cast<uint32_t>(m_pending.size())};
   m_pending.push_back(e);
 }
 

@@ -55,27 +55,32 @@ void CRenderObject::copyFrom(const CRenderObject& o) {
   m_ptMax = o.m_ptMax;
   m_ptCenter = o.m_ptCenter;
   m_radius = o.m_radius;
-  m_snapPoints = o.m_snapPoints;
-  m_snapPointsExa = o.m_snapPointsExa;
   copySanpCurves(o);
+  if (m_extra || o.m_extra) {
+    // The curves are the copies just made; everything else is plain.
+    Extra& e = extra();
+    const Extra& src = o.extraOrNone();
+    e.snapPoints = src.snapPoints;
+    e.snapPointsExa = src.snapPointsExa;
+    e.snapExaCenter = src.snapExaCenter;
+    e.snapExaRadius = src.snapExaRadius;
+    e.lodShps = src.lodShps;
+    e.lodExaShapeNum = src.lodExaShapeNum;
+    e.lodUnitsPerPixel = src.lodUnitsPerPixel;
+    e.maxUnitsPerPixel = src.maxUnitsPerPixel;
+    e.hasMaxUnitsPerPixel = src.hasMaxUnitsPerPixel;
+    e.grips = src.grips;
+  }
   snapChanged();
-  m_snapExaCenter = o.m_snapExaCenter;
-  m_snapExaRadius = o.m_snapExaRadius;
   m_faceSnap = o.m_faceSnap;
   m_xdata = o.m_xdata;
   m_exaGeoShapNum = o.m_exaGeoShapNum;
   clearSmpMat();
   for (const CSimpleMatrix* m : o.m_smpMats) m_smpMats.push_back(m ? new CSimpleMatrix(*m) : nullptr);
-  m_lodShps = o.m_lodShps;
-  m_lodExaShapeNum = o.m_lodExaShapeNum;
-  m_lodUnitsPerPixel = o.m_lodUnitsPerPixel;
-  m_maxUnitsPerPixel = o.m_maxUnitsPerPixel;
-  m_hasMaxUnitsPerPixel = o.m_hasMaxUnitsPerPixel;
   m_visible = o.m_visible;
   m_color = o.m_color;
   m_generateShadow = o.m_generateShadow;
   m_trackerXor = o.m_trackerXor;
-  m_grips = o.m_grips;
   m_renderedFlag1 = o.m_renderedFlag1;
   m_renderedFlag2 = o.m_renderedFlag2;
 }
@@ -101,7 +106,18 @@ void CRenderObject::releaseShapeLists(std::vector<CRenderShape>::iterator first,
 void CRenderObject::releaseAllShapeLists() {
   releaseRetainedList();
   releaseShapeLists(m_shapes.begin(), m_shapes.end());
-  for (std::vector<CRenderShape>& level : m_lodShps) releaseShapeLists(level.begin(), level.end());
+  if (m_extra)
+    for (std::vector<CRenderShape>& level : m_extra->lodShps) releaseShapeLists(level.begin(), level.end());
+}
+
+CRenderObject::Extra& CRenderObject::extra() {
+  if (!m_extra) m_extra.reset(new Extra);
+  return *m_extra;
+}
+
+const CRenderObject::Extra& CRenderObject::noExtra() {
+  static const Extra none;
+  return none;
 }
 
 void CRenderObject::clearShape() {
@@ -246,33 +262,39 @@ void CRenderObject::highLight(const std::map<CString, CString>& tags) {
 }
 
 void CRenderObject::setLodLevel(unsigned n) {
-  for (size_t level = n; level < m_lodShps.size(); ++level)
-    releaseShapeLists(m_lodShps[level].begin(), m_lodShps[level].end());
-  m_lodShps.resize(n);
-  m_lodExaShapeNum.resize(n, 0);
-  m_lodUnitsPerPixel.resize(n, 0.0f);
+  if (!m_extra && n == 0) return;
+  Extra& e = extra();
+  for (size_t level = n; level < e.lodShps.size(); ++level)
+    releaseShapeLists(e.lodShps[level].begin(), e.lodShps[level].end());
+  e.lodShps.resize(n);
+  e.lodExaShapeNum.resize(n, 0);
+  e.lodUnitsPerPixel.resize(n, 0.0f);
 }
 
 std::vector<CRenderShape>& CRenderObject::getLodShpss(unsigned level) {
   static std::vector<CRenderShape> none;
-  if (m_lodShps.empty()) {
+  if (!m_extra || m_extra->lodShps.empty()) {
     none.clear();
     return none;
   }
-  return m_lodShps[level < m_lodShps.size() ? level : m_lodShps.size() - 1];
+  std::vector<std::vector<CRenderShape>>& all = m_extra->lodShps;
+  return all[level < all.size() ? level : all.size() - 1];
 }
 
 unsigned& CRenderObject::getLodExaShapeNum(unsigned level) {
   static unsigned none;
   none = 0;
-  return m_lodExaShapeNum.empty() ? none : m_lodExaShapeNum[std::min<size_t>(level, m_lodExaShapeNum.size() - 1)];
+  if (!m_extra || m_extra->lodExaShapeNum.empty()) return none;
+  std::vector<unsigned>& all = m_extra->lodExaShapeNum;
+  return all[std::min<size_t>(level, all.size() - 1)];
 }
 
 float& CRenderObject::getLodUnitsPerPixel(unsigned level) {
   static float none;
   none = 0.0f;
-  return m_lodUnitsPerPixel.empty() ? none
-                                    : m_lodUnitsPerPixel[std::min<size_t>(level, m_lodUnitsPerPixel.size() - 1)];
+  if (!m_extra || m_extra->lodUnitsPerPixel.empty()) return none;
+  std::vector<float>& all = m_extra->lodUnitsPerPixel;
+  return all[std::min<size_t>(level, all.size() - 1)];
 }
 
 double CRenderObject::distanceToCamera() const {

@@ -49,8 +49,8 @@ void CRenderObject::render(bool cullBackFaces, const double* unitsPerPixel, cons
     if (size < 120.0) return;
   }
 
-  if (m_hasMaxUnitsPerPixel) {
-    if (unitsPerPixel && m_maxUnitsPerPixel <= *unitsPerPixel) return;
+  if (m_extra && m_extra->hasMaxUnitsPerPixel) {
+    if (unitsPerPixel && m_extra->maxUnitsPerPixel <= *unitsPerPixel) return;
   } else if (pixelsPerUnit && m_radius > 1e-10) {
     const long n = std::lround(m_radius * *pixelsPerUnit);
     if (n < 11) {
@@ -72,14 +72,15 @@ void CRenderObject::render(bool cullBackFaces, const double* unitsPerPixel, cons
   std::vector<CRenderShape>* shapes = &m_shapes;
   unsigned instanced = m_exaGeoShapNum;
   bool isLod = false;
-  if (unitsPerPixel && !m_lodUnitsPerPixel.empty()) {
+  if (unitsPerPixel && m_extra && !m_extra->lodUnitsPerPixel.empty()) {
+    Extra& e = *m_extra;
     const float current = static_cast<float>(*unitsPerPixel);
     // Hosts size the three level lists themselves: only levels present in
     // all of them count.
-    for (size_t i = std::min(m_lodUnitsPerPixel.size(), m_lodShps.size()); i-- > 0;) {
-      if (current - m_lodUnitsPerPixel[i] > -1e-5) {
-        shapes = &m_lodShps[i];
-        instanced = i < m_lodExaShapeNum.size() ? m_lodExaShapeNum[i] : 0;
+    for (size_t i = std::min(e.lodUnitsPerPixel.size(), e.lodShps.size()); i-- > 0;) {
+      if (current - e.lodUnitsPerPixel[i] > -1e-5) {
+        shapes = &e.lodShps[i];
+        instanced = i < e.lodExaShapeNum.size() ? e.lodExaShapeNum[i] : 0;
         isLod = true;
         break;
       }
@@ -101,8 +102,9 @@ void CRenderObject::render(bool cullBackFaces, const double* unitsPerPixel, cons
     kgl->PointSize(11.0f);
     kgl->Color3ub(0, 172, 255);
     kgl->Begin(GL_POINTS);
-    for (size_t i = 0; i < m_grips.size(); ++i) {
-      const AcGePoint3d& p = m_grips[i].getPos();
+    const std::vector<CGripPoint>& grips = extraOrNone().grips;
+    for (size_t i = 0; i < grips.size(); ++i) {
+      const AcGePoint3d& p = grips[i].getPos();
       kgl->Vertex3d(p.x, p.y, p.z);
       GripPoint* g = new GripPoint;
       g->obj = this;

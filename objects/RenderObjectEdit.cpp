@@ -36,15 +36,17 @@ void CRenderObject::snapChanged() {
 }
 
 void CRenderObject::clearSnapCurves() {
-  deleteCurves(m_snapCurves);
-  deleteCurves(m_snapCurvesExa);
+  if (!m_extra) return;
+  deleteCurves(m_extra->snapCurves);
+  deleteCurves(m_extra->snapCurvesExa);
 }
 
 void CRenderObject::copySanpCurves(const CRenderObject& o) {
   if (this == &o) return;
   clearSnapCurves();
-  copyCurves(o.m_snapCurves, m_snapCurves);
-  copyCurves(o.m_snapCurvesExa, m_snapCurvesExa);
+  if (!o.m_extra) return;
+  copyCurves(o.m_extra->snapCurves, extra().snapCurves);
+  copyCurves(o.m_extra->snapCurvesExa, extra().snapCurvesExa);
 }
 
 void CRenderObject::move(const AcGeVector3d& v) {
@@ -81,25 +83,27 @@ void CRenderObject::transformBy(const AcGeMatrix3d& m) {
     if (inst.inverse(inv)) exact = inv * m * inst;
   }
   for (size_t i = 0; i < m_shapes.size(); ++i) m_shapes[i].transformBy(i < m_exaGeoShapNum ? exact : m);
-  for (size_t level = 0; level < m_lodShps.size(); ++level) {
-    const unsigned n = level < m_lodExaShapeNum.size() ? m_lodExaShapeNum[level] : 0;
-    for (size_t i = 0; i < m_lodShps[level].size(); ++i) m_lodShps[level][i].transformBy(i < n ? exact : m);
+  calBox();
+  if (!m_extra) return;
+  Extra& e = *m_extra;
+  for (size_t level = 0; level < e.lodShps.size(); ++level) {
+    const unsigned n = level < e.lodExaShapeNum.size() ? e.lodExaShapeNum[level] : 0;
+    for (size_t i = 0; i < e.lodShps[level].size(); ++i) e.lodShps[level][i].transformBy(i < n ? exact : m);
   }
-  for (AcGePoint3d& p : m_snapPoints) p = m * p;
-  for (AcGeCurve3d* c : m_snapCurves)
+  for (AcGePoint3d& p : e.snapPoints) p = m * p;
+  for (AcGeCurve3d* c : e.snapCurves)
     if (c) c->transformBy(m);
-  for (AcGePoint3d& p : m_snapPointsExa) p = exact * p;
-  for (AcGeCurve3d* c : m_snapCurvesExa)
+  for (AcGePoint3d& p : e.snapPointsExa) p = exact * p;
+  for (AcGeCurve3d* c : e.snapCurvesExa)
     if (c) c->transformBy(exact);
-  for (CGripPoint& g : m_grips) {
+  for (CGripPoint& g : e.grips) {
     g.setPos(m * g.getPos());
     g.setDir(m * g.getDir());
   }
-  calBox();
   // Bounds of the exact data: its points and its curves' bounding blocks.
   AcGeBoundBlock3d box;
-  for (const AcGePoint3d& p : m_snapPointsExa) box.extend(p);
-  for (const AcGeCurve3d* c : m_snapCurvesExa) {
+  for (const AcGePoint3d& p : e.snapPointsExa) box.extend(p);
+  for (const AcGeCurve3d* c : e.snapCurvesExa) {
     if (!c) continue;
     AcGePoint3d a, b;
     c->boundBlock().getMinMaxPoints(a, b);
@@ -108,16 +112,17 @@ void CRenderObject::transformBy(const AcGeMatrix3d& m) {
   if (!box.isEmpty()) {
     AcGePoint3d lo, hi;
     box.getMinMaxPoints(lo, hi);
-    m_snapExaCenter = lo + (hi - lo) * 0.5;
-    m_snapExaRadius = static_cast<float>(m_snapExaCenter.distanceTo(lo));
+    e.snapExaCenter = lo + (hi - lo) * 0.5;
+    e.snapExaRadius = static_cast<float>(e.snapExaCenter.distanceTo(lo));
   }
 }
 
 void CRenderObject::updateSnapExaSphere() {
-  if (m_snapPointsExa.empty() && m_snapCurvesExa.empty()) return;
+  if (!m_extra || (m_extra->snapPointsExa.empty() && m_extra->snapCurvesExa.empty())) return;
+  Extra& e = *m_extra;
   AcGeBoundBlock3d box;
-  for (const AcGePoint3d& p : m_snapPointsExa) box.extend(p);
-  for (const AcGeCurve3d* c : m_snapCurvesExa) {
+  for (const AcGePoint3d& p : e.snapPointsExa) box.extend(p);
+  for (const AcGeCurve3d* c : e.snapCurvesExa) {
     if (!c) continue;
     AcArray<AcGePoint3d> samples;
     c->getSamplePoints(16, samples);
@@ -126,16 +131,16 @@ void CRenderObject::updateSnapExaSphere() {
   if (box.isEmpty()) return;
   AcGePoint3d lo, hi;
   box.getMinMaxPoints(lo, hi);
-  m_snapExaCenter = lo + (hi - lo) * 0.5;
+  e.snapExaCenter = lo + (hi - lo) * 0.5;
   // Half the diagonal: a sphere that holds the whole box.
-  m_snapExaRadius = static_cast<float>(m_snapExaCenter.distanceTo(lo));
+  e.snapExaRadius = static_cast<float>(e.snapExaCenter.distanceTo(lo));
 }
 
 void CRenderObject::AutoCountCatchPoint() {
   for (size_t i = 0; i < m_shapes.size(); ++i) {
     const CRenderShape& s = m_shapes[i];
     if (s.getShpType() == CRenderShape::kText || s.getShpType() == CRenderShape::kFace) continue;
-    std::vector<AcGePoint3d>& to = i < m_exaGeoShapNum ? m_snapPointsExa : m_snapPoints;
+    std::vector<AcGePoint3d>& to = i < m_exaGeoShapNum ? extra().snapPointsExa : extra().snapPoints;
     to.insert(to.end(), s.getPts().begin(), s.getPts().end());
     for (const std::vector<AcGePoint3d>& hole : s.getHoles()) to.insert(to.end(), hole.begin(), hole.end());
   }
@@ -149,7 +154,7 @@ void CRenderObject::AutoCountCatchLine() {
   for (size_t i = 0; i < m_shapes.size(); ++i) {
     const CRenderShape& s = m_shapes[i];
     if (s.getShpType() == CRenderShape::kText || s.getShpType() == CRenderShape::kFace) continue;
-    std::vector<AcGeCurve3d*>& to = i < m_exaGeoShapNum ? m_snapCurvesExa : m_snapCurves;
+    std::vector<AcGeCurve3d*>& to = i < m_exaGeoShapNum ? extra().snapCurvesExa : extra().snapCurves;
     addSegments(s.getPts(), to);
     for (const std::vector<AcGePoint3d>& hole : s.getHoles()) addSegments(hole, to);
   }

@@ -5,6 +5,7 @@
 // drawn repeatedly.
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <vector>
 
 #include "kxrender/AcGeCurve3d.h"
@@ -194,27 +195,27 @@ class KXRENDER_API CRenderObject {
   /// threshold 0) that the host fills through the reference accessors. A level
   /// is used from its units-per-pixel threshold on; thresholds ascend.
   void setLodLevel(unsigned n);
-  std::vector<std::vector<CRenderShape>>& getLodShpss() { return m_lodShps; }  ///< The shapes of every level.
+  std::vector<std::vector<CRenderShape>>& getLodShpss() { return extra().lodShps; }  ///< The shapes of every level.
   /// A level past the last gives the last; with no levels, an empty list and
   /// zero values that belong to no level (writes to them are discarded).
   std::vector<CRenderShape>& getLodShpss(unsigned level);
   ///@{
   /// Per level: its count of instanced leading shapes and its units-per-pixel
   /// threshold; an index past the last gives the last.
-  std::vector<unsigned>& getLodExaShapeNum() { return m_lodExaShapeNum; }
+  std::vector<unsigned>& getLodExaShapeNum() { return extra().lodExaShapeNum; }
   unsigned& getLodExaShapeNum(unsigned level);
-  std::vector<float>& getLodUnitsPerPixel() { return m_lodUnitsPerPixel; }
+  std::vector<float>& getLodUnitsPerPixel() { return extra().lodUnitsPerPixel; }
   float& getLodUnitsPerPixel(unsigned level);
   ///@}
   ///@{
   /// The coarsest view (world units per pixel) at which the object is drawn at
   /// all; from that value on it is skipped.
   void setMaxUnitsPerPixel(double v) {
-    m_maxUnitsPerPixel = v;
-    m_hasMaxUnitsPerPixel = true;
+    extra().maxUnitsPerPixel = v;
+    extra().hasMaxUnitsPerPixel = true;
   }
-  double getMaxUnitsPerPixel() const { return m_maxUnitsPerPixel; }
-  bool hasMaxUnitsPerPixel() const { return m_hasMaxUnitsPerPixel; }
+  double getMaxUnitsPerPixel() const { return extraOrNone().maxUnitsPerPixel; }
+  bool hasMaxUnitsPerPixel() const { return extraOrNone().hasMaxUnitsPerPixel; }
   ///@}
 
   // ---- box and camera ----
@@ -298,29 +299,29 @@ class KXRENDER_API CRenderObject {
   /// the set's snap index true; curves reached through the getters and
   /// changed in place are not seen by it.
   void setSnapPoints(const std::vector<AcGePoint3d>& p) {
-    m_snapPoints = p;
+    extra().snapPoints = p;
     snapChanged();
   }
   ///@{
   /// Snap points and curves, plain and exact (under each instance matrix).
   /// Setters copy the list; the object owns the curves and deletes them in
   /// clearSnapCurves and on destruction.
-  const std::vector<AcGePoint3d>& getSnapPoints() const { return m_snapPoints; }
-  void setSnapCurves(const std::vector<AcGeCurve3d*>& c) { m_snapCurves = c; }
-  const std::vector<AcGeCurve3d*>& getSnapCurves() const { return m_snapCurves; }
+  const std::vector<AcGePoint3d>& getSnapPoints() const { return extraOrNone().snapPoints; }
+  void setSnapCurves(const std::vector<AcGeCurve3d*>& c) { extra().snapCurves = c; }
+  const std::vector<AcGeCurve3d*>& getSnapCurves() const { return extraOrNone().snapCurves; }
   void setSnapPointsExa(const std::vector<AcGePoint3d>& p) {
-    m_snapPointsExa = p;
+    extra().snapPointsExa = p;
     snapChanged();
   }
-  const std::vector<AcGePoint3d>& getSnapPointsExa() const { return m_snapPointsExa; }
-  void setSnapCurvesExa(const std::vector<AcGeCurve3d*>& c) { m_snapCurvesExa = c; }
-  const std::vector<AcGeCurve3d*>& getSnapCurvesExa() const { return m_snapCurvesExa; }
+  const std::vector<AcGePoint3d>& getSnapPointsExa() const { return extraOrNone().snapPointsExa; }
+  void setSnapCurvesExa(const std::vector<AcGeCurve3d*>& c) { extra().snapCurvesExa = c; }
+  const std::vector<AcGeCurve3d*>& getSnapCurvesExa() const { return extraOrNone().snapCurvesExa; }
   void clearSnapCurves();
   ///@}
   ///@{
   /// Centre and radius of the exact snap data.
-  const AcGePoint3d& getSnapExaCenter() const { return m_snapExaCenter; }
-  float getSnapExaRadius() const { return m_snapExaRadius; }
+  const AcGePoint3d& getSnapExaCenter() const { return extraOrNone().snapExaCenter; }
+  float getSnapExaRadius() const { return extraOrNone().snapExaRadius; }
   ///@}
   ///@{
   /// Adds snap points (outline vertices) or snap curves (outline segments) of
@@ -330,8 +331,8 @@ class KXRENDER_API CRenderObject {
   ///@}
   ///@{
   /// The object's grip points.
-  std::vector<CGripPoint>& gripPoint() { return m_grips; }
-  const std::vector<CGripPoint>& gripPoint() const { return m_grips; }
+  std::vector<CGripPoint>& gripPoint() { return extra().grips; }
+  const std::vector<CGripPoint>& gripPoint() const { return extraOrNone().grips; }
   ///@}
 
  protected:
@@ -366,7 +367,28 @@ class KXRENDER_API CRenderObject {
   void writeRetained(kxretained::LeanWriter& w, const std::vector<CRenderShape>& shapes, unsigned instanced,
                      bool cullBackFaces, const double* pixelsPerUnit, const AcGeVector3d* viewDirection) const;
 
+  /// What few objects carry, allocated on first write: a building's objects
+  /// are nearly all plain, and every byte here is paid once per object.
+  struct Extra {
+    std::vector<AcGePoint3d> snapPoints;
+    std::vector<AcGeCurve3d*> snapCurves;  // owned
+    std::vector<AcGePoint3d> snapPointsExa;
+    std::vector<AcGeCurve3d*> snapCurvesExa;  // owned
+    AcGePoint3d snapExaCenter;
+    float snapExaRadius = 1.0f;
+    bool hasMaxUnitsPerPixel = false;
+    double maxUnitsPerPixel = 0.0;
+    std::vector<std::vector<CRenderShape>> lodShps;
+    std::vector<unsigned> lodExaShapeNum;
+    std::vector<float> lodUnitsPerPixel;
+    std::vector<CGripPoint> grips;
+  };
+  Extra& extra();
+  const Extra& extraOrNone() const { return m_extra ? *m_extra : noExtra(); }
+  static const Extra& noExtra();
+
   std::vector<CRenderShape> m_shapes;
+  std::unique_ptr<Extra> m_extra;
   unsigned m_id = 0;
   unsigned m_externId = 0;
   RenderMode m_renderMode = RenderMode(2);
@@ -376,26 +398,14 @@ class KXRENDER_API CRenderObject {
   float m_radius = 0.0f;
   CObjectSetMgr* m_objSet = nullptr;
   bool m_inSet = false;  ///< owned by a set; never copied
-  std::vector<AcGePoint3d> m_snapPoints;
-  std::vector<AcGeCurve3d*> m_snapCurves;
-  std::vector<AcGePoint3d> m_snapPointsExa;
-  std::vector<AcGeCurve3d*> m_snapCurvesExa;
-  AcGePoint3d m_snapExaCenter;
-  float m_snapExaRadius = 1.0f;
   bool m_faceSnap = false;
   CString m_xdata;
   unsigned m_exaGeoShapNum = 0;
   std::vector<CSimpleMatrix*> m_smpMats;
-  std::vector<std::vector<CRenderShape>> m_lodShps;
-  std::vector<unsigned> m_lodExaShapeNum;
-  std::vector<float> m_lodUnitsPerPixel;
-  double m_maxUnitsPerPixel = 0.0;
-  bool m_hasMaxUnitsPerPixel = false;
   bool m_visible = true;
   CColor m_color;
   bool m_generateShadow = false;
   bool m_trackerXor = false;
-  std::vector<CGripPoint> m_grips;
   bool m_renderedFlag1 = false;
   bool m_renderedFlag2 = false;
   unsigned m_retainedList = 0;

@@ -149,6 +149,11 @@ TEST(RenderObjectSnap, CopiesOwnDeepCopiesOfCurvesAndMatrices) {
   assigned = o;
   assigned.getSnapCurves()[0]->boundBlock().getMinMaxPoints(lo, hi);
   EXPECT_EQ(lo.y, 5.0);
+  // A plain object assigned over it takes everything away.
+  assigned.setLodLevel(2);
+  assigned.gripPoint().resize(1);
+  assigned = CRenderObject();
+  EXPECT_TRUE(assigned.getSnapCurves().empty() && assigned.getLodShpss().empty() && assigned.gripPoint().empty());
 }
 
 TEST(RenderObjectTransforms, MoveRotateMirrorReachShapesSnapDataAndBox) {
