@@ -115,10 +115,7 @@ CRenderShape& CRenderShape::operator=(CRenderShape&& other) noexcept {
 
 void CRenderShape::swapOwned(CRenderShape& o) noexcept {
   std::swap(m_textInfo, o.m_textInfo);
-  std::swap(m_meshVertices, o.m_meshVertices);
-  std::swap(m_meshTriangleIndices, o.m_meshTriangleIndices);
-  std::swap(m_meshNormals, o.m_meshNormals);
-  std::swap(m_meshTexCoords, o.m_meshTexCoords);
+  m_mesh.swap(o.m_mesh);
   std::swap(m_shareVertexData, o.m_shareVertexData);
   m_rare.swap(o.m_rare);
   std::swap(m_faceDisplayList, o.m_faceDisplayList);

@@ -24,48 +24,47 @@ std::vector<T>* duplicate(const std::vector<T>* v) {
 }
 }  // namespace
 
+CRenderShape::MeshArrays& CRenderShape::mesh() {
+  if (!m_mesh) m_mesh.reset(new MeshArrays);
+  return *m_mesh;
+}
+
 void CRenderShape::setFaceVertexArray(std::vector<AcGePoint3d>* v) {
   touchDrawStamp();
-  adopt(m_meshVertices, v, m_shareVertexData);
+  if (v) adopt(mesh().vertices, v, m_shareVertexData);
   if (m_rare) m_rare->faceBvh.reset();
 }
 
 void CRenderShape::setFaceTriangleIndexArray(std::vector<int>* v) {
   touchDrawStamp();
-  adopt(m_meshTriangleIndices, v, m_shareVertexData);
+  if (v) adopt(mesh().triangleIndices, v, m_shareVertexData);
   if (m_rare) m_rare->faceBvh.reset();
 }
 
 void CRenderShape::setFaceNormalArray(std::vector<AcGeVector3d>* v) {
   touchDrawStamp();
-  adopt(m_meshNormals, v, m_shareVertexData);
+  if (v) adopt(mesh().normals, v, m_shareVertexData);
 }
 
 void CRenderShape::setFaceTexCoordArray(std::vector<AcGePoint2d>* v) {
   touchDrawStamp();
-  adopt(m_meshTexCoords, v, m_shareVertexData);
+  if (v) adopt(mesh().texCoords, v, m_shareVertexData);
 }
 
 void CRenderShape::initFaceData() {
-  m_meshVertices = nullptr;
-  m_meshTriangleIndices = nullptr;
-  m_meshNormals = nullptr;
-  m_meshTexCoords = nullptr;
+  m_mesh.reset();  // forgets the arrays, as a fresh shape has none
   m_shareVertexData = false;
   m_faceDisplayList = 0;
 }
 
 void CRenderShape::freeFaceData() {
-  if (!m_shareVertexData) {
-    delete m_meshVertices;
-    delete m_meshTriangleIndices;
-    delete m_meshNormals;
-    delete m_meshTexCoords;
+  if (m_mesh && !m_shareVertexData) {
+    delete m_mesh->vertices;
+    delete m_mesh->triangleIndices;
+    delete m_mesh->normals;
+    delete m_mesh->texCoords;
   }
-  m_meshVertices = nullptr;
-  m_meshTriangleIndices = nullptr;
-  m_meshNormals = nullptr;
-  m_meshTexCoords = nullptr;
+  m_mesh.reset();
   if (m_rare) m_rare->faceBvh.reset();
 }
 
@@ -76,16 +75,16 @@ void CRenderShape::copyFaceData(const CRenderShape& src) {
   if (&src == this) return;
   freeFaceData();
   m_shareVertexData = src.m_shareVertexData;
-  if (m_shareVertexData) {
-    m_meshVertices = src.m_meshVertices;
-    m_meshTriangleIndices = src.m_meshTriangleIndices;
-    m_meshNormals = src.m_meshNormals;
-    m_meshTexCoords = src.m_meshTexCoords;
-  } else {
-    m_meshVertices = duplicate(src.m_meshVertices);
-    m_meshTriangleIndices = duplicate(src.m_meshTriangleIndices);
-    m_meshNormals = duplicate(src.m_meshNormals);
-    m_meshTexCoords = duplicate(src.m_meshTexCoords);
+  if (src.m_mesh) {
+    MeshArrays& m = mesh();
+    if (m_shareVertexData) {
+      m = *src.m_mesh;
+    } else {
+      m.vertices = duplicate(src.m_mesh->vertices);
+      m.triangleIndices = duplicate(src.m_mesh->triangleIndices);
+      m.normals = duplicate(src.m_mesh->normals);
+      m.texCoords = duplicate(src.m_mesh->texCoords);
+    }
   }
   if (m_rare || src.m_rare) {
     Rare& r = rare();
@@ -94,4 +93,4 @@ void CRenderShape::copyFaceData(const CRenderShape& src) {
   }
 }
 
-bool CRenderShape::isFaceDataNull() const { return !m_meshVertices || !m_meshTriangleIndices || !m_meshNormals; }
+bool CRenderShape::isFaceDataNull() const { return !meshVertices() || !meshTriangleIndices() || !meshNormals(); }

@@ -60,9 +60,9 @@ double loopDistance(const std::vector<AcGePoint3d>& pts, const AcGePoint3d& p) {
 }  // namespace
 
 const CFaceMeshBvh* CRenderShape::faceBvh() const {
-  if (!m_meshVertices || !m_meshTriangleIndices) return rareOrNone().faceBvh.get();
+  if (!meshVertices() || !meshTriangleIndices()) return rareOrNone().faceBvh.get();
   Rare& r = rare();
-  if (!r.faceBvh) r.faceBvh = std::make_shared<const CFaceMeshBvh>(*m_meshVertices, *m_meshTriangleIndices);
+  if (!r.faceBvh) r.faceBvh = std::make_shared<const CFaceMeshBvh>(*meshVertices(), *meshTriangleIndices());
   return r.faceBvh.get();
 }
 
@@ -117,7 +117,7 @@ bool CRenderShape::hasPickGeometry() const {
     case kText:
       return !textContours(*this).empty();
     case kFace:
-      return !isFaceDataNull() && !m_meshVertices->empty();
+      return !isFaceDataNull() && !meshVertices()->empty();
     default:
       return false;
   }
@@ -201,7 +201,7 @@ bool CRenderShape::allInVolume(const CPickVolume& v) const {
     }
     case kFace:
       if (v.classifyBox(m_boxMin, m_boxMax) == 2) return true;
-      if (!v.containsAll(*m_meshVertices)) return false;
+      if (!v.containsAll(*meshVertices())) return false;
       for (const auto& line : getHitLine())
         if (!v.containsAll(line)) return false;
       return true;

@@ -55,8 +55,8 @@ void CRenderShape::calBox() {
   m_boxMin = m_boxMax = AcGePoint3d::kOrigin;
   AcGeBoundBlock3d box;
   bool broken = false;
-  if (m_type == kFace && m_meshVertices && !m_meshVertices->empty()) {
-    for (const AcGePoint3d& p : *m_meshVertices) extend(p, box, broken);
+  if (m_type == kFace && meshVertices() && !meshVertices()->empty()) {
+    for (const AcGePoint3d& p : *meshVertices()) extend(p, box, broken);
   } else if (m_type == kText && m_textInfo) {
     AcGePoint3d corners[4];
     textBoxCorners(*m_textInfo, corners);
@@ -83,13 +83,13 @@ void CRenderShape::getTriIndex(std::vector<std::vector<unsigned>>& out) const {
 size_t CRenderShape::numTriangles() const {
   size_t n = 0;
   for (const auto& s : m_strips) n += s.size() > 2 ? s.size() - 2 : 0;
-  if (m_meshTriangleIndices) n += m_meshTriangleIndices->size() / 3;
+  if (meshTriangleIndices()) n += meshTriangleIndices()->size() / 3;
   return n;
 }
 
 bool CRenderShape::faceIsPlane() const {
-  if (!m_meshNormals || m_meshNormals->empty()) return false;
-  const AcGeVector3d& first = m_meshNormals->front();
-  return std::all_of(m_meshNormals->begin(), m_meshNormals->end(),
+  if (!meshNormals() || meshNormals()->empty()) return false;
+  const AcGeVector3d& first = meshNormals()->front();
+  return std::all_of(meshNormals()->begin(), meshNormals()->end(),
                      [&](const AcGeVector3d& n) { return n.isCodirectionalTo(first); });
 }

@@ -60,12 +60,12 @@ void CRenderShape::renderFace(CRenderObject* obj, int mode) {
       // The scene alpha and the border are baked into the list: changing
       // either needs releaseDisplayList. Hit and highlight stay outside.
       kgl->NewList(m_faceDisplayList, GL_COMPILE_AND_EXECUTE);
-      const bool textured = m_hasTexture && m_meshTexCoords && m_meshTexCoords->size() == m_meshVertices->size();
+      const bool textured = m_hasTexture && meshTexCoords() && meshTexCoords()->size() == meshVertices()->size();
       if (textured) {
         kgl->Enable(GL_TEXTURE_2D);
         kgl->BindTexture(GL_TEXTURE_2D, m_texture);
       }
-      emitTriangles(*m_meshVertices, *m_meshTriangleIndices, *m_meshNormals, textured ? m_meshTexCoords : nullptr,
+      emitTriangles(*meshVertices(), *meshTriangleIndices(), *meshNormals(), textured ? meshTexCoords() : nullptr,
                     m_zOffset);
       if (textured) kgl->Disable(GL_TEXTURE_2D);
       if (m_showBorder) {

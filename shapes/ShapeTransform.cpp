@@ -35,10 +35,10 @@ void CRenderShape::transformBy(const AcGeMatrix3d& m) {
   // Shared arrays belong to their owner, who moves them once for all the
   // shapes that use them.
   if (!m_shareVertexData) {
-    if (m_meshVertices)
-      for (AcGePoint3d& p : *m_meshVertices) p.transformBy(m);
-    if (m_meshNormals)
-      for (AcGeVector3d& n : *m_meshNormals) n.transformBy(m);
+    if (meshVertices())
+      for (AcGePoint3d& p : *meshVertices()) p.transformBy(m);
+    if (meshNormals())
+      for (AcGeVector3d& n : *meshNormals()) n.transformBy(m);
   }
   if (m_rare) m_rare->faceBvh.reset();
   if (m_rare)
@@ -52,9 +52,9 @@ void CRenderShape::transformBy(const AcGeMatrix3d& m) {
 // offset by exactly d. The normals are used as they are.
 void CRenderShape::offsetFaceVertex(double d) {
   touchDrawStamp();
-  if (!m_meshVertices || !m_meshNormals) return;
-  std::vector<AcGePoint3d>& v = *m_meshVertices;
-  const std::vector<AcGeVector3d>& n = *m_meshNormals;
+  if (!meshVertices() || !meshNormals()) return;
+  std::vector<AcGePoint3d>& v = *meshVertices();
+  const std::vector<AcGeVector3d>& n = *meshNormals();
   const size_t count = std::min(v.size(), n.size());
   for (size_t i = 0; i < count; ++i) v[i] += n[i] * d;
   if (m_rare) m_rare->faceBvh.reset();

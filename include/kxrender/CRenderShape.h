@@ -220,10 +220,10 @@ class KXRENDER_API CRenderShape {
   ///@}
   ///@{
   /// The face mesh data, or null.
-  const std::vector<AcGePoint3d>* getFaceVertexArray() const { return m_meshVertices; }
-  const std::vector<int>* getFaceTriangleIndexArray() const { return m_meshTriangleIndices; }
-  const std::vector<AcGeVector3d>* getFaceNormalArray() const { return m_meshNormals; }
-  const std::vector<AcGePoint2d>* getFaceTexCoordArray() const { return m_meshTexCoords; }
+  const std::vector<AcGePoint3d>* getFaceVertexArray() const { return meshVertices(); }
+  const std::vector<int>* getFaceTriangleIndexArray() const { return meshTriangleIndices(); }
+  const std::vector<AcGeVector3d>* getFaceNormalArray() const { return meshNormals(); }
+  const std::vector<AcGePoint2d>* getFaceTexCoordArray() const { return meshTexCoords(); }
   ///@}
   /// Sets the flag; nothing clears it.
   void setShareVertexData() { m_shareVertexData = true; }
@@ -334,6 +334,17 @@ class KXRENDER_API CRenderShape {
     std::shared_ptr<const CFaceMeshBvh> faceBvh;
   };
   Rare& rare() const;
+  struct MeshArrays {
+    std::vector<AcGePoint3d>* vertices = nullptr;
+    std::vector<int>* triangleIndices = nullptr;
+    std::vector<AcGeVector3d>* normals = nullptr;
+    std::vector<AcGePoint2d>* texCoords = nullptr;
+  };
+  MeshArrays& mesh();
+  std::vector<AcGePoint3d>* meshVertices() const { return m_mesh ? m_mesh->vertices : nullptr; }
+  std::vector<int>* meshTriangleIndices() const { return m_mesh ? m_mesh->triangleIndices : nullptr; }
+  std::vector<AcGeVector3d>* meshNormals() const { return m_mesh ? m_mesh->normals : nullptr; }
+  std::vector<AcGePoint2d>* meshTexCoords() const { return m_mesh ? m_mesh->texCoords : nullptr; }
   const Rare& rareOrNone() const { return m_rare ? *m_rare : noRare(); }
   static const Rare& noRare();
 
@@ -349,10 +360,9 @@ class KXRENDER_API CRenderShape {
   CColor m_clr;
   CColor m_borderClr;
   TextInfo* m_textInfo = nullptr;
-  std::vector<AcGePoint3d>* m_meshVertices = nullptr;
-  std::vector<int>* m_meshTriangleIndices = nullptr;
-  std::vector<AcGeVector3d>* m_meshNormals = nullptr;
-  std::vector<AcGePoint2d>* m_meshTexCoords = nullptr;
+  /// The face mesh's arrays, allocated when the first is set: only face
+  /// shapes pay for them.
+  std::unique_ptr<MeshArrays> m_mesh;
   /// Mutable: the triangle tree is made on first use by const hit tests.
   mutable std::unique_ptr<Rare> m_rare;
   ShapeType m_type = kUnset;
