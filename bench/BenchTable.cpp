@@ -86,6 +86,7 @@ void BenchTable::print(FILE* out) const {
     std::fprintf(out, " | %11.1f %8s", it == m_memory.end() ? 0.0 : it->second, "");
   }
   std::fprintf(out, "\n");
+  printMemoryRow(out, "peak memory, default drawing (MB)", m_defaultMemory, sizes);
   printMemoryRow(out, "peak memory, engine alone (MB)", m_engineMemory, sizes);
   printMemoryRow(out, "peak memory, shadows on (MB)", m_shadowMemory, sizes);
   printMemoryRow(out, "poster peak memory (MB)", m_posterMemory, sizes);

@@ -50,6 +50,10 @@ class BenchTable {
   // Peak resident memory of the engine's work alone, the limit's arrays and
   // list never in the process meanwhile.
   void setEngineMemory(const std::string& size, double mb) { m_engineMemory[size] = mb; }
+  // The same after the build, the first and the steady frames only: what a
+  // host drawing the default way holds, before the rows that draw the other
+  // ways (per shape, a display list per object) add their driver memory.
+  void setDefaultMemory(const std::string& size, double mb) { m_defaultMemory[size] = mb; }
   // Peak resident memory of the rows with shadows (every object casting),
   // run last, once the limit has gone.
   void setShadowMemory(const std::string& size, double mb) { m_shadowMemory[size] = mb; }
@@ -63,6 +67,7 @@ class BenchTable {
   std::map<std::string, std::vector<size_t>> m_counts;
   std::map<std::string, double> m_memory;
   std::map<std::string, double> m_engineMemory;
+  std::map<std::string, double> m_defaultMemory;
   std::map<std::string, double> m_posterMemory;
   std::map<std::string, double> m_shadowMemory;
 };
