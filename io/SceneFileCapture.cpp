@@ -1,6 +1,8 @@
 // Documents from engine objects, for writing: what a shape holds is turned
 // back into what `set` and the setters were given, so that reading the
 // document rebuilds the same shape.
+#include <utility>
+
 #include "kxrender/CRenderObject.h"
 #include "kxrender/CSceneMgr.h"
 #include "io/SceneDoc.h"
@@ -108,7 +110,8 @@ void captureObject(CRenderObject& o, ObjectDoc& d) {
   d.snapPoints = o.getSnapPoints();
   d.shapes.resize(o.numShp());
   for (unsigned i = 0; i < o.numShp(); ++i) captureShape(o.getShps()[i], d.shapes[i]);
-  const size_t levels = o.getLodShpss().size();
+  // Read through const: a plain object then gains no storage for levels.
+  const size_t levels = std::as_const(o).getLodShpss().size();
   d.lods.resize(levels);
   for (unsigned level = 0; level < levels; ++level) {
     const std::vector<CRenderShape>& shapes = o.getLodShpss(level);

@@ -52,8 +52,9 @@ void CObjectSetMgr::releaseDispList() {
     if (volume && kgl->IsList(volume)) kgl->DeleteLists(volume, 1);
     kv.second->m_shadow = CRenderObject::ShadowVolumeState();
     for (CRenderShape& s : kv.second->getShps()) s.releaseDisplayList();
-    for (std::vector<CRenderShape>& level : kv.second->getLodShpss())
-      for (CRenderShape& s : level) s.releaseDisplayList();
+    if (kv.second->m_extra)
+      for (std::vector<CRenderShape>& level : kv.second->m_extra->lodShps)
+        for (CRenderShape& s : level) s.releaseDisplayList();
   }
 }
 

@@ -196,6 +196,8 @@ class KXRENDER_API CRenderObject {
   /// is used from its units-per-pixel threshold on; thresholds ascend.
   void setLodLevel(unsigned n);
   std::vector<std::vector<CRenderShape>>& getLodShpss() { return extra().lodShps; }  ///< The shapes of every level.
+  /// The same, read only: reading allocates nothing for an object without levels.
+  const std::vector<std::vector<CRenderShape>>& getLodShpss() const { return extraOrNone().lodShps; }
   /// A level past the last gives the last; with no levels, an empty list and
   /// zero values that belong to no level (writes to them are discarded).
   std::vector<CRenderShape>& getLodShpss(unsigned level);
@@ -299,7 +301,7 @@ class KXRENDER_API CRenderObject {
   /// the set's snap index true; curves reached through the getters and
   /// changed in place are not seen by it.
   void setSnapPoints(const std::vector<AcGePoint3d>& p) {
-    extra().snapPoints = p;
+    if (m_extra || !p.empty()) extra().snapPoints = p;  // an empty list needs no storage
     snapChanged();
   }
   ///@{
@@ -307,14 +309,18 @@ class KXRENDER_API CRenderObject {
   /// Setters copy the list; the object owns the curves and deletes them in
   /// clearSnapCurves and on destruction.
   const std::vector<AcGePoint3d>& getSnapPoints() const { return extraOrNone().snapPoints; }
-  void setSnapCurves(const std::vector<AcGeCurve3d*>& c) { extra().snapCurves = c; }
+  void setSnapCurves(const std::vector<AcGeCurve3d*>& c) {
+    if (m_extra || !c.empty()) extra().snapCurves = c;
+  }
   const std::vector<AcGeCurve3d*>& getSnapCurves() const { return extraOrNone().snapCurves; }
   void setSnapPointsExa(const std::vector<AcGePoint3d>& p) {
-    extra().snapPointsExa = p;
+    if (m_extra || !p.empty()) extra().snapPointsExa = p;
     snapChanged();
   }
   const std::vector<AcGePoint3d>& getSnapPointsExa() const { return extraOrNone().snapPointsExa; }
-  void setSnapCurvesExa(const std::vector<AcGeCurve3d*>& c) { extra().snapCurvesExa = c; }
+  void setSnapCurvesExa(const std::vector<AcGeCurve3d*>& c) {
+    if (m_extra || !c.empty()) extra().snapCurvesExa = c;
+  }
   const std::vector<AcGeCurve3d*>& getSnapCurvesExa() const { return extraOrNone().snapCurvesExa; }
   void clearSnapCurves();
   ///@}
