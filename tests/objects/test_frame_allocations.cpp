@@ -59,16 +59,11 @@ class FrameAllocations : public SceneFixture {
     scene.zoomE();
   }
   long framesAllocate() {
-    scene.render();  // first frames compile lists and size the buffers
-    scene.finish();
-    scene.render();
-    scene.finish();
+    frame();  // first frames compile lists and size the buffers
+    frame();
     g_allocations = 0;
     g_counting = true;
-    for (int i = 0; i < 3; ++i) {
-      scene.render();
-      scene.finish();
-    }
+    for (int i = 0; i < 3; ++i) frame();
     g_counting = false;
     return g_allocations;
   }

@@ -69,9 +69,10 @@ class ObjectLists : public SceneFixture {
     scene.setRetainedDraw(false);  // counts the shapes' own lists only
   }
   // Two frames: the first compiles lists and the second deletes the queue.
-  void frames() {
+  size_t listsAfterFrames() {
     frame();
     frame();
+    return liveLists();
   }
 };
 
@@ -79,30 +80,24 @@ TEST_F(ObjectLists, EveryPathThatDropsShapesReturnsTheirLists) {
   CObjectSetMgr& set = *scene.getObjSetMgr();
   CRenderObject* o = faceObject(50);
   const unsigned id = set.addObject(o);
-  frames();
-  EXPECT_EQ(liveLists(), 50u);
+  EXPECT_EQ(listsAfterFrames(), 50u);
   // Growing past the capacity and trimming again move shapes, lists included.
   for (int i = 0; i < 50; ++i) o->addShape(faceTriangle());
   o->endAddShape();
-  frames();
-  EXPECT_EQ(liveLists(), 100u);
+  EXPECT_EQ(listsAfterFrames(), 100u);
   o->resize(30);
-  frames();
-  EXPECT_EQ(liveLists(), 30u);
+  EXPECT_EQ(listsAfterFrames(), 30u);
   const CRenderObject none;
   *o = none;
-  frames();
-  EXPECT_EQ(liveLists(), 0u);
+  EXPECT_EQ(listsAfterFrames(), 0u);
   for (int i = 0; i < 2; ++i) o->addShape(faceTriangle());
-  frames();
+  EXPECT_EQ(listsAfterFrames(), 2u);
   o->clearShape();
-  frames();
-  EXPECT_EQ(liveLists(), 0u);
+  EXPECT_EQ(listsAfterFrames(), 0u);
   o->addShape(faceTriangle());
-  frames();
+  EXPECT_EQ(listsAfterFrames(), 1u);
   set.delObject(id);
-  frames();
-  EXPECT_EQ(liveLists(), 0u);
+  EXPECT_EQ(listsAfterFrames(), 0u);
 }
 
 TEST_F(ObjectLists, LevelListsOfDifferentLengthsAreDrawnSafely) {
@@ -112,8 +107,7 @@ TEST_F(ObjectLists, LevelListsOfDifferentLengthsAreDrawnSafely) {
   // The host grows one of the three lists only.
   o->getLodUnitsPerPixel().assign(4, 0.0f);
   scene.getObjSetMgr()->addObject(o);
-  frames();
-  EXPECT_EQ(liveLists(), 1u);
+  EXPECT_EQ(listsAfterFrames(), 1u);
 }
 
 TEST(SceneLifetime, DestroyedWithoutReleaseWhileObjectsHoldLists) {

@@ -17,18 +17,22 @@ Down down(const CRenderObject& o, double x, double y, bool flag = true) {
   return d;
 }
 
+CRenderObject built(const std::vector<CRenderShape>& shapes) {
+  CRenderObject o;
+  for (const CRenderShape& s : shapes) o.addShape(s);
+  o.endAddShape();
+  return o;
+}
+
 using picktest::px;
 using picktest::view;
 
 }  // namespace
 
 TEST(ObjectRay, NearestShapeAlongTheRay) {
-  CRenderObject o;
-  o.addShape(rectShape(0, 0, 4, 4, 0));
-  o.addShape(rectShape(0, 0, 4, 4, 5));
-  o.addShape(shapetest::polyline({{0, 1, 7}, {4, 1, 7}}));
-  o.addShape(rectShape(0, 0, 4, 4, 5));  // equal distance: the first stays
-  o.endAddShape();
+  // The last face is at the same distance as the second: the first stays.
+  CRenderObject o = built({rectShape(0, 0, 4, 4, 0), rectShape(0, 0, 4, 4, 5),
+                           shapetest::polyline({{0, 1, 7}, {4, 1, 7}}), rectShape(0, 0, 4, 4, 5)});
   const struct { const char* what; double x, y; bool flag, hit; unsigned shape; double distance; } rows[] = {
       {"upper face", 2, 2, true, true, 1, 95},
       {"polyline above both", 2, 1.05, true, true, 2, 93},
@@ -52,9 +56,7 @@ TEST(ObjectRay, InstancedShapesOnlyUnderTheirMatrices) {
   o.setExaGeoShapNum(1);
   EXPECT_FALSE(down(o, 0.5, 0.5).hit);  // drawn nowhere without a matrix
   addShift(o, 20);
-  CSimpleMatrix* b = new CSimpleMatrix;
-  b->setZMove(3);
-  o.addSmpMat(b);
+  addShift(o, 0, 0, 3);
   o.endAddShape();
   Down d = down(o, 20.5, 0.5);
   ASSERT_TRUE(d.hit);
@@ -69,48 +71,41 @@ TEST(ObjectRay, InstancedShapesOnlyUnderTheirMatrices) {
   EXPECT_FALSE(o.allInRect(px(-1, -1, 7, 7), view()));  // the instance at x 20 is off the view
 
   // Rectangles see an instance where it is drawn, not where it is defined.
-  CRenderObject moved;
-  moved.addShape(rectShape(0, 0, 1, 1, 0));
+  CRenderObject moved = built({rectShape(0, 0, 1, 1, 0)});
   moved.setExaGeoShapNum(1);
   addShift(moved, -5);
-  moved.endAddShape();
+  moved.calBox();
   EXPECT_TRUE(moved.intersectRect(px(-4.8, 0.2, -4.2, 0.8), view()));
   EXPECT_FALSE(moved.intersectRect(px(0.2, 0.2, 0.8, 0.8), view()));
   EXPECT_TRUE(moved.allInRect(px(-6, -1, -3, 2), view()));
 }
 
 TEST(ObjectRect, AnyShapeCrossesEveryShapeInside) {
-  CRenderObject o;
-  o.addShape(rectShape(-8, -8, -6, -6, 0));
-  o.addShape(shapetest::polyline({{4, 4, 0}, {8, 8, 0}}));
-  o.endAddShape();
-  const struct { const char* what; CRect r; bool crosses, inside; } rows[] = {
-      {"around both", px(-9, -9, 9, 9), true, true},
-      {"around one", px(-9, -9, 0, 0), true, false},
-      {"across the line only", px(5, 5, 7, 7), true, false},
-      {"inside the boxes, off the geometry", px(-2, 2, 2, 4), false, false},
-  };
-  for (const auto& r : rows) {
-    EXPECT_EQ(o.intersectRect(r.r, view()), r.crosses) << r.what;
-    EXPECT_EQ(o.allInRect(r.r, view()), r.inside) << r.what;
-  }
+  const CRenderObject o = built({rectShape(-8, -8, -6, -6, 0), shapetest::polyline({{4, 4, 0}, {8, 8, 0}})});
   // A text without glyphs (an empty one) has nothing to select: it neither
   // keeps its object out of a window nor lets it in, whether the box or the
   // shapes decide.
   const CRenderShape label = shapetest::textShape("", AcGePoint3d(5, 5, 0));
-  CRenderObject labelled;
-  labelled.addShape(rectShape(-1, -1, 1, 1, 0));
-  labelled.addShape(label);
-  labelled.endAddShape();
-  EXPECT_TRUE(labelled.allInRect(px(-2, -2, 2, 2), view()));
-  EXPECT_TRUE(labelled.allInRect(px(-9, -9, 9, 9), view()));
-  CRenderObject onlyText;
-  onlyText.addShape(label);
-  onlyText.endAddShape();
-  EXPECT_FALSE(onlyText.allInRect(px(-9, -9, 9, 9), view()));
-  EXPECT_FALSE(onlyText.intersectRect(px(-9, -9, 9, 9), view()));
-
-  CRenderObject empty;
-  EXPECT_FALSE(empty.allInRect(px(-9, -9, 9, 9), view()));
-  EXPECT_FALSE(empty.intersectRect(px(-9, -9, 9, 9), view()));
+  const CRenderObject labelled = built({rectShape(-1, -1, 1, 1, 0), label});
+  const CRenderObject onlyText = built({label});
+  const CRenderObject empty;
+  const struct {
+    const char* what;
+    const CRenderObject& obj;
+    CRect r;
+    bool crosses, inside;
+  } rows[] = {
+      {"around both", o, px(-9, -9, 9, 9), true, true},
+      {"around one", o, px(-9, -9, 0, 0), true, false},
+      {"across the line only", o, px(5, 5, 7, 7), true, false},
+      {"inside the boxes, off the geometry", o, px(-2, 2, 2, 4), false, false},
+      {"labelled, around the rectangle", labelled, px(-2, -2, 2, 2), true, true},
+      {"labelled, around all", labelled, px(-9, -9, 9, 9), true, true},
+      {"only the text", onlyText, px(-9, -9, 9, 9), false, false},
+      {"no shapes", empty, px(-9, -9, 9, 9), false, false},
+  };
+  for (const auto& r : rows) {
+    EXPECT_EQ(r.obj.intersectRect(r.r, view()), r.crosses) << r.what;
+    EXPECT_EQ(r.obj.allInRect(r.r, view()), r.inside) << r.what;
+  }
 }

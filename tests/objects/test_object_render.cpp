@@ -69,13 +69,7 @@ TEST_F(ObjectFrame, FrameOrderPushesTheDepthRangeAndDrawsOutlinesLast) {
 }
 
 TEST_F(ObjectFrame, StaticObjectsAreReplayedWhenVisibleAndNotAccelerating) {
-  CStaticObject* st = CStaticObject::createStaticObject();
-  st->beginBuild();
-  st->begin(CRenderSystem::kPoints);
-  st->point(1, 2, 3);
-  st->end();
-  st->endBuild();
-  const unsigned list = set().addStaticObject(st);
+  const unsigned list = set().addStaticObject(CStaticObject::createStaticObject());
   auto replays = [&] {
     GLRecorder rec(true);
     scene.render();
@@ -134,17 +128,16 @@ TEST_F(ObjectFrame, TransparencyBlendsBackToFrontAndPartTransparencyOnlyTheListe
   // A large face and a small one in front of or behind it: drawn larger
   // first, the centre holds both colours; the other way round the far face
   // would fail the depth test there.
-  struct Row {
+  const struct {
     const char* name;
     double bigZ;
     bool onlyBig;  // part transparency for the big face alone
     int centre[3], edge[3];
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"all blended, big face behind", -2, false, {128, 0, 64}, {0, 0, 128}},
       {"only the big face, in front", 2, true, {128, 0, 128}, {0, 0, 128}},
   };
-  for (const Row& r : rows) {
+  for (const auto& r : rows) {
     set().clear();
     const unsigned big = set().addObject(rectObject(-8, -8, 8, 8, r.bigZ, CColor(0, 0, 255, 255)));
     set().addObject(rectObject(-4, -4, 4, 4, -r.bigZ, CColor(255, 0, 0, 255)));
@@ -211,12 +204,10 @@ TEST_F(ObjectFrame, LevelOfDetailSwitchesAtItsThresholdsWithSlack) {
 }
 
 TEST_F(ObjectFrame, InstancedShapesAreDrawnOncePerMatrixAndNotWithoutOne) {
-  CRenderObject* o = new CRenderObject;
-  o->addShape(rectShape(-2, -2, 2, 2, 0, CColor(255, 0, 0, 255)));
-  o->addShape(rectShape(-1, -1, 1, 1, 1, CColor(0, 255, 0, 255)));
-  o->addShape(rectShape(4, 4, 6, 6, 0, CColor(0, 0, 255, 255)));
-  o->setExaGeoShapNum(2);
-  o->endAddShape();
+  CRenderObject* o =
+      objectOf({rectShape(-2, -2, 2, 2, 0, CColor(255, 0, 0, 255)), rectShape(-1, -1, 1, 1, 1, CColor(0, 255, 0, 255)),
+                rectShape(4, 4, 6, 6, 0, CColor(0, 0, 255, 255))});
+  o->setExaGeoShapNum(2);  // the first two
   set().addObject(o);
   {
     GLRecorder rec(true);
@@ -236,8 +227,7 @@ TEST_F(ObjectFrame, InstancedShapesAreDrawnOncePerMatrixAndNotWithoutOne) {
 
 TEST_F(ObjectFrame, GripsOfAHitObjectAreDrawnAndRecordedInTheScene) {
   CRenderObject* o = rectObject(-5, -5, 5, 5);
-  o->gripPoint().push_back(CGripPoint(AcGePoint3d(0, 0, 0), AcGeVector3d(1, 0, 0)));
-  o->gripPoint().push_back(CGripPoint(AcGePoint3d(5, 5, 0), AcGeVector3d(1, 0, 0)));
+  for (double at : {0.0, 5.0}) o->gripPoint().push_back(CGripPoint(AcGePoint3d(at, at, 0), AcGeVector3d(1, 0, 0)));
   set().addObject(o);
   o->hit(true);
   frame();

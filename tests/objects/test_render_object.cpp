@@ -7,10 +7,20 @@
 #include "kxrender/CSceneMgr.h"
 
 namespace {
-CRenderShape typed(int type, double x) {
+CRenderShape line(const Pts& pts, int type = CRenderShape::kPline) {
   CRenderShape s;
-  s.set({{x, 0, 0}, {x + 1, 0, 0}}, {}, CRenderShape::ShapeType(type), CColor(), AcGeVector3d(0, 0, 1));
+  s.set(pts, {}, CRenderShape::ShapeType(type), CColor(), AcGeVector3d(0, 0, 1));
   return s;
+}
+CRenderShape typed(int type, double x) { return line({{x, 0, 0}, {x + 1, 0, 0}}, type); }
+
+// An object of these shapes, the first `exact` of them instanced, added and ended.
+CRenderObject built(const std::vector<CRenderShape>& shapes, unsigned exact = 0) {
+  CRenderObject o;
+  for (const CRenderShape& s : shapes) o.addShape(s);
+  o.setExaGeoShapNum(exact);
+  o.endAddShape();
+  return o;
 }
 }  // namespace
 
@@ -31,9 +41,7 @@ TEST(RenderObjectShapes, IndexAccessClampsToTheLastEntryAndEmptyListsGiveNothing
   EXPECT_EQ(o.getShapeColor(2), CColor(9, 8, 7, 6));
   EXPECT_NE(o.getShapeColor(1), CColor(9, 8, 7, 6));
   o.getShape(1).setHit(true);
-  unsigned one = 1, far = 40;
-  EXPECT_TRUE(o.getShapeHit(one));
-  EXPECT_FALSE(o.getShapeHit(far));
+  EXPECT_TRUE(o.getShapeHit(1) && !o.getShapeHit(40));
   o.setLodLevel(2);
   o.getLodUnitsPerPixel(1) = 4.0f;
   EXPECT_EQ(o.getLodUnitsPerPixel(9), 4.0f);  // clamped to the last level
@@ -41,17 +49,12 @@ TEST(RenderObjectShapes, IndexAccessClampsToTheLastEntryAndEmptyListsGiveNothing
 }
 
 TEST(RenderObjectShapes, EndAddShapeDropsInvalidShapesAndTrimsStorage) {
+  // Type 100 exactly stays; the walk drops a non-finite shape and type 150
+  // inside, and the trailing types 101 and up go too.
   CRenderObject o;
-  o.addShape(typed(100, 0));  // exactly 100 stays
-  CRenderShape bad;
-  const double inf = INFINITY;
-  bad.set({{0, 0, 0}, {inf, 0, 0}}, {}, CRenderShape::kPline, CColor(), AcGeVector3d(0, 0, 1));
-  o.addShape(bad);
-  o.addShape(typed(0, 5));
-  o.addShape(typed(150, 0));  // inside: dropped by the walk
-  o.addShape(typed(0, 7));
-  o.addShape(typed(101, 0));  // trailing: dropped
-  o.addShape(typed(20000, 0));
+  for (const CRenderShape& s : {typed(100, 0), line({{0, 0, 0}, {INFINITY, 0, 0}}), typed(0, 5), typed(150, 0),
+                                typed(0, 7), typed(101, 0), typed(20000, 0)})
+    o.addShape(s);
   o.getShps().reserve(64);
   o.endAddShape();
   ASSERT_EQ(o.numShp(), 3u);
@@ -64,18 +67,14 @@ TEST(RenderObjectShapes, EndAddShapeDropsInvalidShapesAndTrimsStorage) {
 }
 
 TEST(RenderObjectShapes, CommonColourBecomesTheObjectColourAndInstancedCountIsClamped) {
-  CRenderObject o;
-  o.setExaGeoShapNum(9);
-  o.addShape(rectShape(0, 0, 1, 1, 0, CColor(10, 20, 30, 40)));
-  o.addShape(rectShape(0, 0, 1, 1, 1, CColor(10, 20, 30, 40)));
-  o.endAddShape();
+  const CRenderObject o =
+      built({rectShape(0, 0, 1, 1, 0, CColor(10, 20, 30, 40)), rectShape(0, 0, 1, 1, 1, CColor(10, 20, 30, 40))}, 9);
   EXPECT_TRUE(o.getColor() == CColor(10, 20, 30, 40) && o.getExaGeoShapNum() == 2u);
 
   // Different colours: the colour stays, the exact snap sphere is measured.
   CRenderObject m;
   m.setExaGeoShapNum(1);
-  m.addShape(rectShape(0, 0, 1, 1, 0, CColor(1, 1, 1, 255)));
-  m.addShape(rectShape(0, 0, 1, 1, 0, CColor(2, 2, 2, 255)));
+  for (int g : {1, 2}) m.addShape(rectShape(0, 0, 1, 1, 0, CColor(g, g, g, 255)));
   m.setSnapPointsExa({{0, 0, 0}, {4, 0, 0}});
   m.setSnapCurvesExa({new AcGeLineSeg3d(AcGePoint3d(0, -2, 0), AcGePoint3d(0, 2, 0))});
   m.endAddShape();
@@ -85,8 +84,7 @@ TEST(RenderObjectShapes, CommonColourBecomesTheObjectColourAndInstancedCountIsCl
 }
 
 TEST(RenderObjectShapes, TagMapsFlagShapesByKeyWithValuesIgnoringCase) {
-  CRenderObject o;
-  for (int i = 0; i < 3; ++i) o.addShape(rectShape(0, 0, 1, 1, i));
+  CRenderObject o = built({rectShape(0, 0, 1, 1, 0), rectShape(0, 0, 1, 1, 1), rectShape(0, 0, 1, 1, 2)});
   o.getShape(0).setXdata("坡屋顶", "内面");
   o.getShape(1).setXdata("layer", "Glass");
   o.getShape(2).setXdata("Layer", "glass");
@@ -103,16 +101,11 @@ TEST(RenderObjectShapes, TagMapsFlagShapesByKeyWithValuesIgnoringCase) {
 }
 
 TEST(RenderObjectSnap, OutlinesGiveSnapPointsAndOpenSegments) {
-  CRenderObject o;
-  CRenderShape square;
-  square.set({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {}, CRenderShape::kPline, CColor(), AcGeVector3d(0, 0, 1));
-  CRenderShape dot;
-  dot.set({{5, 5, 5}}, {}, CRenderShape::kPline, CColor(), AcGeVector3d(0, 0, 1));
   CRenderShape face;
   face.setFaceType(false);
-  o.addShape(dot);
-  o.addShape(square);
-  o.addShape(face);
+  CRenderObject o;
+  for (const CRenderShape& s : {line({{5, 5, 5}}), line({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}), face})
+    o.addShape(s);
   o.setExaGeoShapNum(1);
   o.AutoCountCatchPoint();
   o.AutoCountCatchLine();
@@ -130,13 +123,9 @@ TEST(RenderObjectSnap, OutlinesGiveSnapPointsAndOpenSegments) {
 }
 
 TEST(RenderObjectSnap, CopiesOwnDeepCopiesOfCurvesAndMatrices) {
-  CRenderObject o;
-  o.addShape(rectShape(0, 0, 1, 1, 0));
-  o.endAddShape();
+  CRenderObject o = built({rectShape(0, 0, 1, 1, 0)});
   o.setSnapCurves({new AcGeLineSeg3d(AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0))});
-  CSimpleMatrix* m = new CSimpleMatrix;
-  m->setZMove(3.0f);
-  o.addSmpMat(m);
+  addShift(o, 0, 0, 3);
   CRenderObject copy(o);
   ASSERT_EQ(copy.getSnapCurves().size(), 1u);
   EXPECT_NE(copy.getSnapCurves()[0], o.getSnapCurves()[0]);
@@ -157,9 +146,7 @@ TEST(RenderObjectSnap, CopiesOwnDeepCopiesOfCurvesAndMatrices) {
 }
 
 TEST(RenderObjectTransforms, MoveRotateMirrorReachShapesSnapDataAndBox) {
-  CRenderObject o;
-  o.addShape(rectShape(0, 0, 2, 1, 3));
-  o.endAddShape();
+  CRenderObject o = built({rectShape(0, 0, 2, 1, 3)});
   o.setSnapPoints({{1, 2, 3}});
   o.mirror(AcGeLine3d(AcGePoint3d(0, 0, 0), AcGeVector3d(1, 0, 0)));
   EXPECT_TRUE(o.getSnapPoints()[0].isEqualTo(AcGePoint3d(1, -2, 3)));
@@ -174,11 +161,7 @@ TEST(RenderObjectTransforms, MoveRotateMirrorReachShapesSnapDataAndBox) {
 }
 
 TEST(RenderObjectTransforms, InstancedShapesAndExactDataFollowUnderTheirMatrix) {
-  CRenderObject o;
-  o.addShape(rectShape(0, 0, 1, 1, 0));
-  o.addShape(rectShape(5, 5, 6, 6, 0));
-  o.setExaGeoShapNum(1);
-  o.endAddShape();
+  CRenderObject o = built({rectShape(0, 0, 1, 1, 0), rectShape(5, 5, 6, 6, 0)}, 1);
   CSimpleMatrix* m = new CSimpleMatrix;
   m->setZMoveAndZScale(10.0f, 2.0f);
   o.addSmpMat(m);

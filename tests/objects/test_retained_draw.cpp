@@ -5,9 +5,18 @@
 #include "ObjectHelpers.h"
 #include "kxrender/CSceneMgr.h"
 #include "scene/SceneFixture.h"
+#include "shapes/ShapeTestUtil.h"
 #include "support/GLRecorder.h"
 
 namespace {
+
+// The shape with its border shown in this colour, and of this width if one is given.
+CRenderShape withBorder(CRenderShape s, const CColor& c, double width = 0, bool scaled = false) {
+  s.setShowBorder(true);
+  s.setBorderColor(c);
+  if (width > 0) s.setBorderWidth(width, scaled);
+  return s;
+}
 
 class RetainedFrame : public SceneFixture {
  protected:
@@ -20,18 +29,12 @@ class RetainedFrame : public SceneFixture {
   // instanced object, one with a coarser level, a wall seen from behind,
   // and objects small enough to be single points.
   void buildScene() {
-    CRenderShape bordered = rectShape(-9, -9, -2, -2, 0, CColor(200, 60, 40, 255));
-    bordered.setShowBorder(true);
-    bordered.setBorderColor(CColor(10, 250, 10, 255));
-    bordered.setBorderWidth(3.0, true);
-    CRenderShape line;
-    line.set({{-9, 1, 0.5}, {-2, 8, 0.5}, {-2, 1, 0.5}}, {}, CRenderShape::kPline, CColor(250, 250, 0, 255),
-             AcGeVector3d(0, 0, 1));
+    const CRenderShape bordered =
+        withBorder(rectShape(-9, -9, -2, -2, 0, CColor(200, 60, 40, 255)), CColor(10, 250, 10, 255), 3.0, true);
+    const CRenderShape line = shapetest::polyline({{-9, 1, 0.5}, {-2, 8, 0.5}, {-2, 1, 0.5}}, CColor(250, 250, 0, 255));
     ids.push_back(set().addObject(objectOf({bordered, line})));
 
-    CRenderShape face = faceTriangle(CColor(40, 90, 220, 255));
-    face.setShowBorder(true);
-    face.setBorderColor(CColor(255, 0, 255, 255));
+    const CRenderShape face = withBorder(faceTriangle(CColor(40, 90, 220, 255)), CColor(255, 0, 255, 255));
     ids.push_back(set().addObject(objectOf({face, wallShape(0.5, 0, 8, 0, 3, false)})));
 
     CRenderObject* inst = objectOf({rectShape(2, -9, 4, -7, 0, CColor(0, 200, 200, 255)),
@@ -59,36 +62,34 @@ class RetainedFrame : public SceneFixture {
     scene.setRetainedDraw(retained);
     return frameRGBA();
   }
+  CRenderObject* obj(int i) { return set().getObj(ids[size_t(i)]); }
+  void mode(int m) { scene.setRenderMode(CRenderObject::RenderMode(m)); }
 
   std::vector<unsigned> ids;
 };
 
 struct Variant {
   const char* name;
-  std::function<void(CSceneMgr&, std::vector<unsigned>&)> apply;
+  std::function<void()> apply;
 };
-
-const std::vector<Variant>& variants() {
-  static const std::vector<Variant> v = {
-      {"shaded", [](CSceneMgr&, std::vector<unsigned>&) {}},
-      {"wire frame", [](CSceneMgr& s, std::vector<unsigned>&) { s.setRenderMode(CRenderObject::RenderMode(0)); }},
-      {"mode 4", [](CSceneMgr& s, std::vector<unsigned>&) { s.setRenderMode(CRenderObject::RenderMode(4)); }},
-      {"hit", [](CSceneMgr& s, std::vector<unsigned>& ids) { s.getObj(ids[0])->hit(true); }},
-      {"highlight", [](CSceneMgr& s, std::vector<unsigned>& ids) { s.getObj(ids[1])->highLight(true); }},
-      {"dot line", [](CSceneMgr& s, std::vector<unsigned>& ids) { s.getObj(ids[0])->getShape(1).setDotLine(true); }},
-      {"transparent", [](CSceneMgr& s, std::vector<unsigned>&) { s.setTransparent(128); }},
-      {"coarse level", [](CSceneMgr& s, std::vector<unsigned>&) { s.setRange(40.0); }},
-  };
-  return v;
-}
 
 }  // namespace
 
 TEST_F(RetainedFrame, EveryModeAndFeedbackDrawsTheSamePixelsAsThePerShapePath) {
   buildScene();
-  for (const Variant& v : variants()) {
+  const Variant variants[] = {
+      {"shaded", [] {}},
+      {"wire frame", [this] { mode(0); }},
+      {"mode 4", [this] { mode(4); }},
+      {"hit", [this] { obj(0)->hit(true); }},
+      {"highlight", [this] { obj(1)->highLight(true); }},
+      {"dot line", [this] { obj(0)->getShape(1).setDotLine(true); }},
+      {"transparent", [this] { scene.setTransparent(128); }},
+      {"coarse level", [this] { scene.setRange(40.0); }},
+  };
+  for (const Variant& v : variants) {
     SCOPED_TRACE(v.name);
-    v.apply(scene, ids);
+    v.apply();
     const std::vector<uint8_t> reference = frame(false);
     EXPECT_TRUE(frame(true) == reference) << "compiling frame";
     EXPECT_TRUE(frame(true) == reference) << "replayed frame";
@@ -99,34 +100,33 @@ TEST_F(RetainedFrame, EveryModeAndFeedbackDrawsTheSamePixelsAsThePerShapePath) {
 // the per-shape frame, and differ from the frame before the change (so the
 // change is one the lists really depend on).
 TEST_F(RetainedFrame, AChangeAfterCompilingRedrawsLikeThePerShapePath) {
-  const std::vector<Variant> changes = {
-      {"shape colour",
-       [](CSceneMgr& s, std::vector<unsigned>& ids) { s.getObj(ids[0])->setShapeColor(0, CColor(0, 0, 255, 255)); }},
-      {"render mode", [](CSceneMgr& s, std::vector<unsigned>&) { s.setRenderMode(CRenderObject::RenderMode(0)); }},
-      {"level of detail", [](CSceneMgr& s, std::vector<unsigned>&) { s.setRange(40.0); }},
-      {"scaled border zoom", [](CSceneMgr& s, std::vector<unsigned>&) { s.setRange(12.0); }},
-      {"scene alpha", [](CSceneMgr& s, std::vector<unsigned>&) { s.setTransparent(100); }},
-      {"hit", [](CSceneMgr& s, std::vector<unsigned>& ids) { s.getObj(ids[2])->hit(true); }},
-      {"move", [](CSceneMgr& s, std::vector<unsigned>& ids) { s.getObj(ids[0])->move(AcGeVector3d(1.5, 0.5, 0)); }},
+  const Variant changes[] = {
+      {"shape colour", [this] { obj(0)->setShapeColor(0, CColor(0, 0, 255, 255)); }},
+      {"render mode", [this] { mode(0); }},
+      {"level of detail", [this] { scene.setRange(40.0); }},
+      {"scaled border zoom", [this] { scene.setRange(12.0); }},
+      {"scene alpha", [this] { scene.setTransparent(100); }},
+      {"hit", [this] { obj(2)->hit(true); }},
+      {"move", [this] { obj(0)->move(AcGeVector3d(1.5, 0.5, 0)); }},
       {"points edited in place",
-       [](CSceneMgr& s, std::vector<unsigned>& ids) {
-         CRenderShape& sh = s.getObj(ids[2])->getShape(1);
+       [this] {
+         CRenderShape& sh = obj(2)->getShape(1);
          for (AcGePoint3d& p : sh.getPts()) p.y += 1.0;
          sh.divTringle();
        }},
-      {"delete", [](CSceneMgr& s, std::vector<unsigned>& ids) { s.getObjSetMgr()->delObject(ids[1]); }},
+      {"delete", [this] { set().delObject(ids[1]); }},
   };
   for (const Variant& c : changes) {
     SCOPED_TRACE(c.name);
     set().clear();
     ids.clear();
-    scene.setRenderMode(CRenderObject::RenderMode(2));
+    mode(2);
     scene.setTransparent(255);
     scene.setRange(20.0);
     buildScene();
     frame(true);
     const std::vector<uint8_t> before = frame(true);
-    c.apply(scene, ids);
+    c.apply();
     const std::vector<uint8_t> after = frame(true);
     EXPECT_TRUE(after != before) << "the change shows";
     EXPECT_TRUE(after == frame(false));
@@ -138,8 +138,8 @@ TEST_F(RetainedFrame, ListsStayOnePerDrawnObjectThroughChurn) {
   for (int round = 0; round < 40; ++round) {
     const unsigned id = set().addObject(rectObject(-8 + round % 10, -4, -7 + round % 10, -3, 1.0));
     frame(true);
-    set().getObj(ids[round % 3])->setShapeColor(0, CColor(round * 6, 100, 50, 255));
-    scene.setRenderMode(CRenderObject::RenderMode(round % 3 == 0 ? 0 : 2));
+    obj(round % 3)->setShapeColor(0, CColor(round * 6, 100, 50, 255));
+    mode(round % 3 == 0 ? 0 : 2);
     frame(true);
     set().delObject(id);
   }
@@ -186,11 +186,8 @@ TEST_F(RetainedFrame, HiddenGroupsAreSkippedAndShowAgainWhenUncovered) {
     for (int i = 0; i < 256; ++i) {
       const bool edge = i >= 252, above = someAbove && i % 8 == 0;
       const double x = edge ? 3.4 : -6 + 0.5 * (i % 16), y = -6 + 0.5 * (i / 16), z = (above ? 8 : 0) - 0.01 * i;
-      CRenderShape s = rectShape(x, y, x + 4, y + 4, z, CColor(i, 255 - i, 90, 255));
-      s.setShowBorder(true);
-      s.setBorderColor(CColor(250, 250, 250, 255));
-      s.setBorderWidth(5.0, false);
-      set().addObject(objectOf({s}));
+      const CColor fill(i, 255 - i, 90, 255);
+      set().addObject(objectOf({withBorder(rectShape(x, y, x + 4, y + 4, z, fill), CColor(250, 250, 250, 255), 5.0)}));
     }
     const unsigned plate = set().addObject(rectObject(-8, -8, 8, 8, 4, CColor(90, 90, 90, 255)));
     auto drawCalls = [this] {

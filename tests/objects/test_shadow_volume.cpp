@@ -10,6 +10,7 @@
 #include "kxrender/CSceneMgr.h"
 #include "objects/ShadowVolume.h"
 #include "scene/SceneFixture.h"
+#include "shapes/ShapeTestUtil.h"
 
 namespace {
 
@@ -37,25 +38,13 @@ CRenderShape windowWall() {
                  {-1, 0, 0});
 }
 
-// An open face mesh: two triangles of a fold, one edge shared.
-CRenderShape openFold() {
-  CRenderShape s;
-  s.setFaceType(false);
-  std::vector<AcGePoint3d> v{{0, 0, 1}, {2, 0, 1}, {0, 2, 1}, {2, 2, 2}};
-  std::vector<int> tri{0, 1, 2, 2, 1, 3};
-  std::vector<AcGeVector3d> n(4, AcGeVector3d(0, 0, 1));
-  s.setFaceVertexArray(&v);
-  s.setFaceTriangleIndexArray(&tri);
-  s.setFaceNormalArray(&n);
-  s.calBox();
-  return s;
-}
-
 }  // namespace
 
 // Every directed edge of the volume is matched by the reverse edge of
-// another face, as often: no cracks, consistent orientation.
-TEST(ShadowVolume, VolumesAreClosedForSolidsHolesAndOpenMeshes) {
+// another face, as often: no cracks, consistent orientation. Lights that are
+// no lights (zero, not finite, a point inside the caster's box) build
+// nothing and leave no stale triangles.
+TEST(ShadowVolume, VolumesAreClosedForSolidsHolesAndOpenMeshesAndBadLightsBuildNothing) {
   const std::map<std::string, std::vector<CRenderShape>> casters = {
       {"box", boxShapes({-1, -1, 0}, {1, 1, 2})},
       {"box without its top", [] {
@@ -64,14 +53,21 @@ TEST(ShadowVolume, VolumesAreClosedForSolidsHolesAndOpenMeshes) {
          return b;
        }()},
       {"wall with a window", {windowWall()}},
-      {"open fold", {openFold()}}};
-  const float lights[][4] = {{-1, 0.3f, 1, 0}, {0.2f, -0.5f, 10, 0}, {-6, 1, 5, 1}, {0.5f, 0.2f, 9, 1}};
+      // An open face mesh: two triangles of a fold, one edge shared.
+      {"open fold", {shapetest::faceMesh({{0, 0, 1}, {2, 0, 1}, {0, 2, 1}, {2, 2, 2}}, {0, 1, 2, 2, 1, 3})}}};
+  const float nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
+  const float lights[][4] = {{-1, 0.3f, 1, 0}, {0.2f, -0.5f, 10, 0}, {-6, 1, 5, 1},  {0.5f, 0.2f, 9, 1}, {0, 0, 0, 0},
+                             {nan, 1, 1, 0},   {1, inf, 1, 0},       {1, 1, 1, nan}, {0, 0, 1, 1}};
   for (const auto& c : casters) {
-    for (const float* l : lights) {
+    for (size_t li = 0; li < sizeof(lights) / sizeof(lights[0]); ++li) {
+      const float* l = lights[li];
+      SCOPED_TRACE(c.first + " under light " + std::to_string(li));
       ShadowVolumeBuilder b;
       for (const CRenderShape& s : c.second) addCasterTriangles(b, s, nullptr);
-      std::vector<float> tris;
-      ASSERT_TRUE(b.build(ShadowLight::fromFloats(l), {-10, -10, -1}, {10, 10, 5}, tris)) << c.first;
+      std::vector<float> tris{1.0f};
+      const bool built = b.build(ShadowLight::fromFloats(l), {-10, -10, -1}, {10, 10, 5}, tris);
+      ASSERT_EQ(built, li < 4);
+      if (!built) EXPECT_TRUE(tris.empty());
       using P = std::tuple<float, float, float>;
       std::map<std::pair<P, P>, int> edges;
       for (size_t i = 0; i < tris.size(); i += 9)
@@ -85,20 +81,8 @@ TEST(ShadowVolume, VolumesAreClosedForSolidsHolesAndOpenMeshes) {
         const auto rev = edges.find({e.first.second, e.first.first});
         unmatched += rev == edges.end() || rev->second != e.second;
       }
-      EXPECT_EQ(unmatched, 0) << c.first << " under light " << l[0] << ", " << l[1] << ", " << l[2] << ", " << l[3];
+      EXPECT_EQ(unmatched, 0);
     }
-  }
-}
-
-TEST(ShadowVolume, LightsThatAreNoLightsBuildNothing) {
-  const float nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
-  const float lights[][4] = {{0, 0, 0, 0}, {nan, 1, 1, 0}, {1, inf, 1, 0}, {1, 1, 1, nan}, {0, 0, 1, 1}};
-  for (const float* l : lights) {
-    ShadowVolumeBuilder b;
-    for (const CRenderShape& s : boxShapes({-1, -1, 0}, {1, 1, 2})) addCasterTriangles(b, s, nullptr);
-    std::vector<float> tris{1.0f};
-    EXPECT_FALSE(b.build(ShadowLight::fromFloats(l), {-10, -10, -1}, {10, 10, 5}, tris));
-    EXPECT_TRUE(tris.empty());
   }
 }
 
@@ -201,28 +185,26 @@ TEST_F(ShadowFrame, GroundIsDarkExactlyInTheShadowOutline) {
   }
 }
 
-TEST_F(ShadowFrame, InnerRoofFacesAndUnflaggedObjectsCastNothing) {
+// Inner roof faces and objects not flagged cast nothing; instanced shapes
+// cast under each of their matrices.
+TEST_F(ShadowFrame, InnerRoofFacesAndUnflaggedObjectsCastNothingInstancesCastUnderEachMatrix) {
   std::vector<CRenderShape> roof = boxShapes({-1, -1, 0}, {1, 1, 2});
   for (CRenderShape& s : roof) s.setXdata("\xE5\x9D\xA1\xE5\xB1\x8B\xE9\xA1\xB6", "\xE5\x86\x85\xE9\x9D\xA2");
   caster(roof);
   caster({windowWall()}, false);
-  frame(kWestSun);
-  EXPECT_EQ(darkAt({2, 0, 0}), 0);
-  EXPECT_EQ(darkAt({2, 3, 0}), 0);
-}
-
-TEST_F(ShadowFrame, InstancedShapesCastUnderEachMatrix) {
   CRenderObject* o = new CRenderObject;
   for (const CRenderShape& s : boxShapes({-5, -1, 0}, {-4, 1, 1})) o->addShape(s);
   o->setExaGeoShapNum(6);
-  for (float dx : {0.0f, 6.0f}) addShift(*o, dx);
+  for (float dx : {0.0f, 12.0f}) addShift(*o, dx);
   o->endAddShape();
   o->setGenerateShadow(true);
   scene.getObjSetMgr()->addObject(o);
   frame(kWestSun);
+  EXPECT_EQ(darkAt({2, 0, 0}), 0);
+  EXPECT_EQ(darkAt({2, 3, 0}), 0);
   // Each 1 unit high box shades one unit east of itself.
   EXPECT_EQ(darkAt({-3.5, 0, 0}), 1);
-  EXPECT_EQ(darkAt({2.5, 0, 0}), 1);
+  EXPECT_EQ(darkAt({8.5, 0, 0}), 1);
   EXPECT_EQ(darkAt({-2.5, 0, 0}), 0);
 }
 

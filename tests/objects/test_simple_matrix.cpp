@@ -27,8 +27,6 @@ TEST_F(SimpleMatrixFrame, EachKindMakesItsCallsMovesPointsAndIsWhatGLApplies) {
       // Translate then scale: z' = dz + sz * z, so 1 goes to 5, not 9.
       {"zMoveZScale", [](CSimpleMatrix& m) { m.setZMoveAndZScale(2.0f, 3.0f); },
        {"glTranslatef(0, 0, 2)", "glScalef(1, 1, 3)"}, {1, 1, 5}},
-      {"zMoveShrink", [](CSimpleMatrix& m) { m.setZMoveAndZScale(-1.5f, 0.25f); },
-       {"glTranslatef(0, 0, -1.5)", "glScalef(1, 1, 0.25)"}, {1, 1, -1.25}},
       {"translate", [](CSimpleMatrix& m) { m.setTranslate(10.0f, -20.0f, 0.125f); }, {"glTranslatef(10, -20, 0.125)"},
        {11, -19, 1.125}},
       {"full", [&](CSimpleMatrix& m) { m.setFullMatrix(full); }, {"glMultMatrixf"}, full * AcGePoint3d(1, 1, 1)},

@@ -42,23 +42,17 @@ TEST(StaticObjectCalls, ConstructionReservesAListBeginMapsTheHostNumberingAndBui
   for (int v = 0; v <= 6; ++v) EXPECT_EQ(rec.calls()[size_t(v)].text(), "glBegin(" + std::to_string(expected[v]) + ")");
 }
 
-TEST(StaticObjectBox, PointsOutsideABuildWidenFromTheOriginAndEachBuildStartsAfresh) {
-  GLRecorder rec(false);
-  CStaticObject s;
-  s.point(5, -5, 2);
-  EXPECT_EQ(boxOf(s), Box({0, -5, 0}, {5, 0, 2}));
-  s.beginBuild();  // the first point replaces the old box rather than widening it
-  s.point(1, 5, 0);
-  s.point(-2, 3, 4);
-  EXPECT_EQ(boxOf(s), Box({-2, 3, 0}, {1, 5, 4}));
-}
-
-TEST(StaticObjectCopy, CopiesShareTheListButNotVisibility) {
+// Points outside a build widen the box from the origin; each build starts
+// afresh; copies share the list and the box but not visibility.
+TEST(StaticObjectBoxAndCopy, BuildsStartAfreshAndCopiesShareTheListButNotVisibility) {
   GLRecorder rec(false);
   CStaticObject a;
-  a.beginBuild();
+  a.point(5, -5, 2);
+  EXPECT_EQ(boxOf(a), Box({0, -5, 0}, {5, 0, 2}));
+  a.beginBuild();  // the first point replaces the old box rather than widening it
   a.point(1, 2, 3);
   a.point(4, 5, 6);
+  EXPECT_EQ(boxOf(a), Box({1, 2, 3}, {4, 5, 6}));
   a.setVisible(false);
   a.setObjSet(reinterpret_cast<CObjectSetMgr*>(&rec));  // any pointer: never dereferenced
   CStaticObject b(a);
