@@ -91,11 +91,8 @@ TEST(ModelTextures, DiffuseTexturesDrawFromTheSceneTextureManager) {
   // Top row red, green; bottom row blue, white.
   const std::vector<uint8_t> picture = {255, 0, 0, 255, 0, 255, 0, 255, 0, 0, 255, 255, 255, 255, 255, 255};
   ASSERT_TRUE(KxWritePng((dir / "quad.png").string(), picture, 2, 2));
-  std::string png;
-  {
-    std::ifstream in(dir / "quad.png", std::ios::binary);
-    png.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-  }
+  std::ifstream in(dir / "quad.png", std::ios::binary);
+  const std::string png(std::istreambuf_iterator<char>(in), {});
   std::ofstream(dir / "quad.mtl") << "newmtl tex\nKd 1 1 1\nmap_Kd Quad.PNG\n";  // named in another case
   std::ofstream(dir / "gone.mtl") << "newmtl tex\nKd 1 1 1\nmap_Kd gone.png\n";
   std::ofstream(dir / "quad.obj") << quadObj("quad.mtl");

@@ -8,7 +8,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdint>
-#include <cstring>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -65,19 +66,22 @@ inline int indexOf(const std::vector<uint32_t>& pal, uint32_t c) {
 }
 
 inline bool save(const std::string& path, const std::vector<uint8_t>& bytes) {
-  std::FILE* f = std::fopen(path.c_str(), "wb");
-  if (!f) return false;
-  const bool ok = std::fwrite(bytes.data(), 1, bytes.size(), f) == bytes.size();
-  return std::fclose(f) == 0 && ok;
+  std::ofstream out(path, std::ios::binary);
+  return bool(out.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size())).flush());
 }
-inline std::vector<uint8_t> load(const std::string& path) {
-  std::vector<uint8_t> bytes;
-  if (std::FILE* f = std::fopen(path.c_str(), "rb")) {
-    int c;
-    while ((c = std::fgetc(f)) != EOF) bytes.push_back(uint8_t(c));
-    std::fclose(f);
+// Row y as samples: palette indices when there is a palette, else grey or red, green and blue, then alpha when
+// asked; every sample `bytes` times (16 bits: v * 257 in either byte order).
+inline std::vector<uint8_t> samples(const Picture& p, int y, const std::vector<uint32_t>& pal, bool grey, bool alpha,
+                                    int bytes = 1) {
+  std::vector<uint8_t> row;
+  for (int x = 0; x < p.w; ++x) {
+    const uint32_t c = p.at(x, y);
+    std::vector<uint8_t> s = {uint8_t(indexOf(pal, c))};
+    if (pal.empty()) s = grey ? std::vector<uint8_t>{R(c)} : std::vector<uint8_t>{R(c), G(c), B(c)};
+    if (alpha) s.push_back(A(c));
+    for (uint8_t v : s) row.insert(row.end(), size_t(bytes), v);
   }
-  return bytes;
+  return row;
 }
 
 // ---- BMP, by hand ----
@@ -116,9 +120,8 @@ inline std::vector<uint8_t> bmp(const Picture& p, const BmpLayout& l) {
     put32(b, 46, uint32_t(pal.size()));
     for (size_t i = 0; i < l.masks.size(); ++i) put32(b, 54 + i * 4, l.masks[i]);
   }
-  for (size_t i = 0; i < pal.size(); ++i) {
+  for (size_t i = 0; i < pal.size(); ++i)
     b[palAt + i * entry] = B(pal[i]), b[palAt + i * entry + 1] = G(pal[i]), b[palAt + i * entry + 2] = R(pal[i]);
-  }
   const std::vector<uint32_t> m = l.masks.empty() ? (l.bpp == 16 ? std::vector<uint32_t>{0x7C00, 0x3E0, 0x1F}
                                                                  : std::vector<uint32_t>{0xFF0000, 0xFF00, 0xFF})
                                                   : l.masks;
@@ -129,9 +132,7 @@ inline std::vector<uint8_t> bmp(const Picture& p, const BmpLayout& l) {
       if (palette) {
         const int bit = x * l.bpp;
         row[bit / 8] |= uint8_t(indexOf(pal, c) << (8 - l.bpp - bit % 8));
-      } else if (l.bpp == 24) {
-        row[x * 3] = B(c), row[x * 3 + 1] = G(c), row[x * 3 + 2] = R(c);
-      } else {
+      } else {  // 24 bits too, through the default masks
         uint32_t v = toMask(R(c), m[0]) | toMask(G(c), m[1]) | toMask(B(c), m[2]) | (m.size() > 3 ? toMask(A(c), m[3]) : 0);
         for (int k = 0; k < l.bpp / 8; ++k) row[x * l.bpp / 8 + k] = uint8_t(v >> (8 * k));
       }
@@ -163,8 +164,8 @@ inline std::vector<uint8_t> pngBytes(const Picture& p, const PngLayout& l) {
   png_set_IHDR(png, info, p.w, p.h, l.depth, l.colorType, l.interlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE,
                PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
   const std::vector<uint32_t> pal = l.colorType == PNG_COLOR_TYPE_PALETTE ? paletteOf(p) : std::vector<uint32_t>();
-  const bool grey = !(l.colorType & PNG_COLOR_MASK_COLOR);
   const int maxv = (1 << l.depth) - 1;
+  const auto scale = [&](uint8_t v) { return png_uint_16(v * maxv / 255); };
   if (!pal.empty()) {
     std::vector<png_color> colours;
     std::vector<png_byte> alphas;
@@ -174,35 +175,21 @@ inline std::vector<uint8_t> pngBytes(const Picture& p, const PngLayout& l) {
   }
   if (l.colourKey) {
     const uint32_t c = p.at(0, 0);
-    png_color_16 key{};
-    const auto scale = [&](uint8_t v) { return png_uint_16(v * maxv / 255); };
-    key.gray = scale(R(c)), key.red = scale(R(c)), key.green = scale(G(c)), key.blue = scale(B(c));
+    png_color_16 key{0, scale(R(c)), scale(G(c)), scale(B(c)), scale(R(c))};  // index, red, green, blue, grey
     png_set_tRNS(png, info, nullptr, 0, &key);
   }
   png_write_info(png, info);
   if (l.depth < 8) png_set_packing(png);
-  const int passes = png_set_interlace_handling(png);
-  const int channels = png_get_channels(png, info), bytes = l.depth == 16 ? 2 : 1;
   std::vector<std::vector<uint8_t>> rows;
+  std::vector<png_bytep> pointers;
   for (int y = 0; y < p.h; ++y) {
-    std::vector<uint8_t> row;
-    for (int x = 0; x < p.w; ++x) {
-      const uint32_t c = p.at(x, y);
-      std::vector<uint8_t> s;
-      if (!pal.empty()) s = {uint8_t(indexOf(pal, c))};
-      else if (grey) s = {R(c), A(c)};
-      else s = {R(c), G(c), B(c), A(c)};
-      s.resize(size_t(channels));
-      for (uint8_t v : s) {
-        const unsigned out16 = pal.empty() ? unsigned(v) * unsigned(maxv) / 255 : v;
-        if (bytes == 2) row.push_back(uint8_t(out16 >> 8));
-        row.push_back(uint8_t(out16));
-      }
-    }
-    rows.push_back(row);
+    rows.push_back(samples(p, y, pal, !(l.colorType & PNG_COLOR_MASK_COLOR), l.colorType & PNG_COLOR_MASK_ALPHA,
+                           l.depth == 16 ? 2 : 1));
+    if (l.depth < 8 && pal.empty())
+      for (uint8_t& v : rows.back()) v = uint8_t(scale(v));
   }
-  for (int pass = 0; pass < passes; ++pass)
-    for (auto& row : rows) png_write_row(png, row.data());
+  for (auto& row : rows) pointers.push_back(row.data());
+  png_write_image(png, pointers.data());  // every pass of an interlaced image
   png_write_end(png, info);
   png_destroy_write_struct(&png, &info);
   return out;
@@ -231,15 +218,9 @@ inline std::vector<uint8_t> jpegBytes(const Picture& p, const JpegLayout& l) {
   if (l.progressive) jpeg_simple_progression(&c);
   jpeg_start_compress(&c, TRUE);
   if (!l.app1.empty()) jpeg_write_marker(&c, JPEG_APP0 + 1, l.app1.data(), unsigned(l.app1.size()));
-  std::vector<uint8_t> row(size_t(p.w) * c.input_components);
   for (int y = 0; y < p.h; ++y) {
-    for (int x = 0; x < p.w; ++x) {
-      const uint32_t v = p.at(x, y);
-      uint8_t* s = &row[size_t(x) * c.input_components];
-      if (l.space == JCS_GRAYSCALE) s[0] = R(v);
-      else if (l.space == JCS_RGB) s[0] = R(v), s[1] = G(v), s[2] = B(v);
-      else s[0] = R(v), s[1] = G(v), s[2] = B(v), s[3] = 255;  // inverted CMYK (Adobe): no black ink
-    }
+    // Inverted CMYK (Adobe) takes alpha for black: no ink in the opaque pictures it is given.
+    std::vector<uint8_t> row = samples(p, y, {}, l.space == JCS_GRAYSCALE, l.space == JCS_CMYK);
     JSAMPROW r = row.data();
     jpeg_write_scanlines(&c, &r, 1);
   }
@@ -280,18 +261,13 @@ inline std::vector<uint8_t> gifBytes(const Picture& p, const GifLayout& l) {
       EGifPutExtension(gif, GRAPHICS_EXT_FUNC_CODE, 4, gce);
     }
     EGifPutImageDesc(gif, l.left, l.top, p.w, p.h, l.interlaced, l.localMap ? map : nullptr);
-    std::vector<int> order;
     static const int kStart[] = {0, 4, 2, 1}, kStep[] = {8, 8, 4, 2};
-    if (l.interlaced)
-      for (int pass = 0; pass < 4; ++pass)
-        for (int y = kStart[pass]; y < p.h; y += kStep[pass]) order.push_back(y);
-    else
-      for (int y = 0; y < p.h; ++y) order.push_back(y);
-    for (int y : order) {
-      std::vector<GifPixelType> line;
-      for (int x = 0; x < p.w; ++x) line.push_back(GifPixelType(frame ? 0 : indexOf(pal, p.at(x, y))));
-      EGifPutLine(gif, line.data(), p.w);
-    }
+    for (int pass = 0; pass < (l.interlaced ? 4 : 1); ++pass)
+      for (int y = l.interlaced ? kStart[pass] : 0; y < p.h; y += l.interlaced ? kStep[pass] : 1) {
+        std::vector<GifPixelType> line = samples(p, y, pal, false, false);
+        if (frame) line.assign(line.size(), 0);  // the second frame: index 0 throughout
+        EGifPutLine(gif, line.data(), p.w);
+      }
   }
   EGifCloseFile(gif, &err);
   GifFreeMapObject(map);
@@ -310,7 +286,7 @@ inline std::vector<uint8_t> tiffBytes(const Picture& p, const TiffLayout& l, con
   TIFF* t = TIFFOpen(path.c_str(), "w");
   if (!t) return {};
   const bool palette = l.photometric == PHOTOMETRIC_PALETTE, grey = l.photometric == PHOTOMETRIC_MINISBLACK;
-  const int spp = (palette || grey ? 1 : 3) + (l.alpha ? 1 : 0), bytes = l.bits / 8;
+  const int spp = (palette || grey ? 1 : 3) + (l.alpha ? 1 : 0);
   TIFFSetField(t, TIFFTAG_IMAGEWIDTH, p.w);
   TIFFSetField(t, TIFFTAG_IMAGELENGTH, p.h);
   TIFFSetField(t, TIFFTAG_BITSPERSAMPLE, l.bits);
@@ -328,39 +304,27 @@ inline std::vector<uint8_t> tiffBytes(const Picture& p, const TiffLayout& l, con
     for (size_t i = 0; i < pal.size(); ++i) r[i] = R(pal[i]) * 257, g[i] = G(pal[i]) * 257, b[i] = B(pal[i]) * 257;
     TIFFSetField(t, TIFFTAG_COLORMAP, r.data(), g.data(), b.data());
   }
-  auto pixelBytes = [&](int x, int y, uint8_t* dst) {
-    const uint32_t c = p.at(x, y);
-    std::vector<uint8_t> s;
-    if (palette) s = {uint8_t(indexOf(pal, c))};
-    else if (grey) s = {R(c)};
-    else s = {R(c), G(c), B(c)};
-    if (l.alpha) s.push_back(A(c));
-    for (uint8_t v : s)
-      for (int k = 0; k < bytes; ++k) *dst++ = v;  // 16 bits: v * 257 in either byte order
-  };
-  const size_t pxBytes = size_t(spp) * bytes;
+  const size_t pxBytes = size_t(spp) * size_t(l.bits / 8);
+  std::vector<std::vector<uint8_t>> rows;
+  for (int y = 0; y < p.h; ++y) rows.push_back(samples(p, y, pal, grey, l.alpha, l.bits / 8));
   if (l.tile) {
     TIFFSetField(t, TIFFTAG_TILEWIDTH, l.tile);
     TIFFSetField(t, TIFFTAG_TILELENGTH, l.tile);
-    std::vector<uint8_t> buf(size_t(l.tile) * l.tile * pxBytes);
     for (int ty = 0; ty < p.h; ty += l.tile)
       for (int tx = 0; tx < p.w; tx += l.tile) {
-        std::fill(buf.begin(), buf.end(), 0);
+        std::vector<uint8_t> buf(size_t(l.tile) * l.tile * pxBytes, 0);
         for (int y = ty; y < std::min(p.h, ty + l.tile); ++y)
-          for (int x = tx; x < std::min(p.w, tx + l.tile); ++x)
-            pixelBytes(x, y, &buf[(size_t(y - ty) * l.tile + (x - tx)) * pxBytes]);
+          std::copy_n(&rows[size_t(y)][tx * pxBytes], size_t(std::min(p.w - tx, l.tile)) * pxBytes,
+                      &buf[size_t(y - ty) * l.tile * pxBytes]);
         TIFFWriteTile(t, buf.data(), uint32_t(tx), uint32_t(ty), 0, 0);
       }
   } else {
     TIFFSetField(t, TIFFTAG_ROWSPERSTRIP, 2);
-    std::vector<uint8_t> row(size_t(p.w) * pxBytes);
-    for (int y = 0; y < p.h; ++y) {
-      for (int x = 0; x < p.w; ++x) pixelBytes(x, y, &row[size_t(x) * pxBytes]);
-      TIFFWriteScanline(t, row.data(), uint32_t(y), 0);
-    }
+    for (int y = 0; y < p.h; ++y) TIFFWriteScanline(t, rows[size_t(y)].data(), uint32_t(y), 0);
   }
   TIFFClose(t);
-  return load(path);
+  std::ifstream in(path, std::ios::binary);
+  return std::vector<uint8_t>(std::istreambuf_iterator<char>(in), {});
 }
 
 }  // namespace imgtest

@@ -46,12 +46,9 @@ Picture keyed(Picture p) {
   for (uint32_t& c : p.px) c = (c | 0xFF) == key ? c & ~0xFFu : c | 0xFF;
   return p;
 }
-Picture opaque(Picture p) {
-  for (uint32_t& c : p.px) c |= 0xFF;
-  return p;
-}
-Picture clear(Picture p) {
-  for (uint32_t& c : p.px) c &= ~0xFFu;
+// The picture with every pixel's alpha set to `a`.
+Picture withAlpha(Picture p, uint8_t a) {
+  for (uint32_t& c : p.px) c = (c & ~0xFFu) | a;
   return p;
 }
 
@@ -83,12 +80,13 @@ TEST(ImageDecode, LosslessFormatsGiveEveryPixel) {
       {"bmp 24 bit bottom-up", bmp(colours, {24}), colours, 0},
       {"bmp 24 bit top-down", bmp(colours, {24, 40, true}), colours, 0},
       {"bmp 24 bit core header", bmp(colours, {24, 12}), colours, 0},
-      {"bmp 32 bit without masks is opaque", bmp(alpha, {32}), opaque(alpha), 0},
+      {"bmp 32 bit without masks is opaque", bmp(alpha, {32}), withAlpha(alpha, 255), 0},
       {"bmp 16 bit 5-5-5", bmp(pure(7, 5), {16}), pure(7, 5), 0},
       {"bmp 16 bit 5-6-5 fields", bmp(pure(7, 5), {16, 40, false, {0xF800, 0x7E0, 0x1F}}), pure(7, 5), 0},
       {"bmp 32 bit fields, alpha, v5 header", bmp(alpha, {32, 124, false, {0xFF0000, 0xFF00, 0xFF, 0xFF000000}}), alpha, 0},
       {"bmp 32 bit alpha fields, odd order", bmp(alpha, {32, 40, true, {0xFF00, 0xFF0000, 0xFF000000, 0xFF}}), alpha, 0},
-      {"bmp all-zero alpha is opaque", bmp(clear(colours), {32, 108, false, {0xFF0000, 0xFF00, 0xFF, 0xFF000000}}), colours, 0},
+      {"bmp all-zero alpha is opaque",
+       bmp(withAlpha(colours, 0), {32, 108, false, {0xFF0000, 0xFF00, 0xFF, 0xFF000000}}), colours, 0},
       {"png grey 1", pngBytes(grey(7, 5, 1), {PNG_COLOR_TYPE_GRAY, 1}), grey(7, 5, 1), 0},
       {"png grey 2", pngBytes(grey(7, 5, 2), {PNG_COLOR_TYPE_GRAY, 2}), grey(7, 5, 2), 0},
       {"png grey 4", pngBytes(grey(7, 5, 4), {PNG_COLOR_TYPE_GRAY, 4}), grey(7, 5, 4), 0},
@@ -110,7 +108,7 @@ TEST(ImageDecode, LosslessFormatsGiveEveryPixel) {
       {"png interlaced palette 4", pngBytes(paletted(11, 9, 16), {PNG_COLOR_TYPE_PALETTE, 4, true}), paletted(11, 9, 16), 0},
       {"gif 87a", gifBytes(colours, {}), colours, 0},
       {"gif 89a transparent, local map", gifBytes(colours, {true, false, true, 0}), keyed(colours), 0},
-      {"gif interlaced", gifBytes(opaque(big), {false, true}), opaque(big), 0},
+      {"gif interlaced", gifBytes(withAlpha(big, 255), {false, true}), withAlpha(big, 255), 0},
       {"gif second frame ignored", gifBytes(colours, {true, false, false, -1, 0, 0, 0, 0, true}), colours, 0},
       {"gif frame alone, not its screen", gifBytes(colours, {false, false, false, -1, 1, 2, 16000, 16000}), colours, 0},
       {"tiff rgb strips", tiffBytes(colours, {}, tif), colours, 0},
@@ -118,7 +116,8 @@ TEST(ImageDecode, LosslessFormatsGiveEveryPixel) {
       {"tiff rgb 16 deflate", tiffBytes(colours, {PHOTOMETRIC_RGB, 16, false, COMPRESSION_ADOBE_DEFLATE}, tif), colours, 0},
       {"tiff grey 16 packbits", tiffBytes(grey(7, 5, 8), {PHOTOMETRIC_MINISBLACK, 16, false, COMPRESSION_PACKBITS}, tif), grey(7, 5, 8), 0},
       {"tiff palette", tiffBytes(colours, {PHOTOMETRIC_PALETTE, 8, false, COMPRESSION_PACKBITS}, tif), colours, 0},
-      {"tiff tiles, partial at the edges", tiffBytes(opaque(paletted(20, 18, 50)), {PHOTOMETRIC_RGB, 8, false, COMPRESSION_LZW, 16}, tif), opaque(paletted(20, 18, 50)), 0},
+      {"tiff tiles, partial at the edges",
+       tiffBytes(paletted(20, 18, 50), {PHOTOMETRIC_RGB, 8, false, COMPRESSION_LZW, 16}, tif), paletted(20, 18, 50), 0},
   };
   for (const auto& r : rows) EXPECT_EQ(differences(r.bytes, r.want, r.tol), "") << r.name;
   EXPECT_EQ(std::string(reinterpret_cast<const char*>(rows[32].bytes.data()), 6), "GIF87a");
@@ -202,7 +201,7 @@ TEST(ImageDecode, BrokenFilesAreRefusedWithoutOutput) {
     });
   };
   const std::vector<uint8_t> bmp24 = bmp(p, {24}), png = pngBytes(p, {PNG_COLOR_TYPE_RGBA, 8});
-  const std::vector<uint8_t> jpeg = jpegBytes(p, {JCS_RGB, true}), gif = gifBytes(opaque(p), {true});
+  const std::vector<uint8_t> jpeg = jpegBytes(p, {JCS_RGB, true}), gif = gifBytes(withAlpha(p, 255), {true});
   const std::vector<uint8_t> tiff = tiffBytes(p, {PHOTOMETRIC_RGB, 8, true, COMPRESSION_LZW}, tif);
   const struct { const char* name; std::vector<uint8_t> bytes; Edit edit; } rows[] = {
       {"bmp width 0", bmp24, patch32(18, 0)},
@@ -226,7 +225,7 @@ TEST(ImageDecode, BrokenFilesAreRefusedWithoutOutput) {
       {"jpeg scan cut short, end marker kept", jpeg, [](std::vector<uint8_t>& b) { b.resize(b.size() * 6 / 10), b.insert(b.end(), {0xFF, 0xD9}); }},
       {"gif frame width 0", gif, findPatch({0x2C, 0, 0, 0, 0}, 0, {0, 0})},
       {"gif truncated", gif, cut(0.6)},
-      {"gif without colours", gifBytes(opaque(p), {false, false, true}), findPatch({0x2C}, 8, {0})},
+      {"gif without colours", gifBytes(withAlpha(p, 255), {false, false, true}), findPatch({0x2C}, 8, {0})},
       {"tiff truncated", tiff, cut(0.5)},
       {"tiff header only", tiff, cut(0.05)},
       {"nothing", {}, {}},

@@ -4,8 +4,8 @@
 
 #include <vector>
 
-#include "platform/ChooseFormat.h"
 #include "platform/Win32Window.h"
+#include "platform/WindowHelpers.h"
 
 namespace {
 struct Window {
@@ -19,17 +19,11 @@ TEST(OffscreenWindow, ClientRectResizeAndDestroy) {
   HWND w = KxCreateOffscreenWindow(320, 200);
   ASSERT_TRUE(w);
   EXPECT_TRUE(IsWindow(w));
-  RECT rc;
-  ASSERT_TRUE(GetClientRect(w, &rc));
-  EXPECT_EQ(rc.right, 320);
-  EXPECT_EQ(rc.bottom, 200);
+  EXPECT_EQ(clientSize(w), "320x200");
   EXPECT_TRUE(KxResizeOffscreenWindow(w, 0, 50));  // sizes below 1 become 1
-  GetClientRect(w, &rc);
-  EXPECT_EQ(rc.right, 1);
-  EXPECT_EQ(rc.bottom, 50);
+  EXPECT_EQ(clientSize(w), "1x50");
   EXPECT_FALSE(KxResizeOffscreenWindow(w, 100000, 10));
-  GetClientRect(w, &rc);
-  EXPECT_EQ(rc.bottom, 50);
+  EXPECT_EQ(clientSize(w), "1x50");
   EXPECT_EQ(KxCreateOffscreenWindow(16385, 10), nullptr);
   HDC dc = GetDC(w);
   EXPECT_EQ(GetDC(w), dc);  // one DC per window
@@ -37,7 +31,7 @@ TEST(OffscreenWindow, ClientRectResizeAndDestroy) {
   EXPECT_EQ(ReleaseDC(w, dc), 1);
   KxDestroyWindow(w);
   EXPECT_FALSE(IsWindow(w));
-  EXPECT_FALSE(GetClientRect(w, &rc));
+  EXPECT_EQ(clientSize(w), "none");
   EXPECT_EQ(GetDC(w), nullptr);
   EXPECT_FALSE(IsWindow(nullptr));
   KxDestroyWindow(w);  // twice: ignored

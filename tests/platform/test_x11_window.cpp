@@ -6,8 +6,8 @@
 #include <epoxy/egl.h>
 #include <epoxy/gl.h>
 
-#include "platform/ChooseFormat.h"
 #include "platform/Win32Window.h"
+#include "platform/WindowHelpers.h"
 #include "platform/X11Host.h"
 
 TEST(X11Window, AttachDrawAndSwap) {
@@ -16,10 +16,7 @@ TEST(X11Window, AttachDrawAndSwap) {
   Display* display = host.display;
   HWND hwnd = KxAttachX11Window(display, host.xwin);
   ASSERT_TRUE(hwnd);
-  RECT rc;
-  ASSERT_TRUE(GetClientRect(hwnd, &rc));
-  EXPECT_EQ(rc.right, 160);
-  EXPECT_EQ(rc.bottom, 120);
+  EXPECT_EQ(clientSize(hwnd), "160x120");
   HDC dc = GetDC(hwnd);
   const int format = chooseFormat(dc, 24, 0, 24, 8);
   if (format == 0) {
@@ -34,17 +31,14 @@ TEST(X11Window, AttachDrawAndSwap) {
 
   // The size is known without asking the server on every frame ...
   const unsigned long request = XNextRequest(display);
-  for (int frame = 0; frame < 3; ++frame) ASSERT_TRUE(GetClientRect(hwnd, &rc));
+  for (int frame = 0; frame < 3; ++frame) EXPECT_EQ(clientSize(hwnd), "160x120");
   EXPECT_EQ(XNextRequest(display), request);
   // ... and learnt again when the host reports a resize.
   XResizeWindow(display, host.xwin, 200, 90);
   XSync(display, False);
-  ASSERT_TRUE(GetClientRect(hwnd, &rc));
-  EXPECT_EQ(rc.right, 160);
+  EXPECT_EQ(clientSize(hwnd), "160x120");
   ASSERT_TRUE(KxNotifyWindowResized(hwnd));
-  ASSERT_TRUE(GetClientRect(hwnd, &rc));
-  EXPECT_EQ(rc.right, 200);
-  EXPECT_EQ(rc.bottom, 90);
+  EXPECT_EQ(clientSize(hwnd), "200x90");
 
   wglMakeCurrent(nullptr, nullptr);
   wglDeleteContext(ctx);

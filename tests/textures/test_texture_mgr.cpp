@@ -99,9 +99,8 @@ TEST_F(TextureMgrTest, RowsGoUpBottomFirstWithTheFilesAlpha) {
     ASSERT_TRUE(mgr.addTexture(path) && mgr.getTexture(path, id)) << r.name;
     int w = 0, h = 0;
     const std::vector<uint8_t> got = texels(id, 0, w, h);
-    EXPECT_TRUE(w == 4 && h == 2 && got == bottomUp(r.want)) << r.name;
     // The file's top-left pixel starts the last row.
-    EXPECT_TRUE(std::equal(got.begin() + 16, got.begin() + 20, r.want.rgba().begin())) << r.name;
+    EXPECT_TRUE(w == 4 && h == 2 && got == bottomUp(r.want)) << r.name;
     EXPECT_EQ(minFilter(id), GL_LINEAR) << r.name;  // the built mipmaps stay unused
   }
   std::remove((::testing::TempDir() + "kx_tex.tif").c_str());

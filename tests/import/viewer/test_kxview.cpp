@@ -14,27 +14,11 @@
 #include <vector>
 
 #include "kxrender/KxImage.h"
+#include "tests/import/CubeObj.h"
 
 namespace fs = std::filesystem;
 
 namespace {
-
-// Three boxes in a row along x: ids 1, 2, 3.
-std::string rowOfBoxes() {
-  std::string s;
-  const int faces[12][3] = {{0, 2, 1}, {1, 2, 3}, {4, 5, 6}, {5, 7, 6}, {0, 1, 4}, {1, 5, 4},
-                            {2, 6, 3}, {3, 6, 7}, {0, 4, 2}, {2, 4, 6}, {1, 3, 5}, {3, 7, 5}};
-  for (int b = 0; b < 3; ++b) {
-    s += "o Box" + std::to_string(b + 1) + "\n";
-    for (int i = 0; i < 8; ++i)
-      s += "v " + std::to_string(3 * b + (i & 1) * 2) + " " + std::to_string((i >> 1) & 1) + " " +
-           std::to_string((i >> 2) & 1) + "\n";
-    for (const auto& f : faces)
-      s += "f " + std::to_string(8 * b + f[0] + 1) + " " + std::to_string(8 * b + f[1] + 1) + " " +
-           std::to_string(8 * b + f[2] + 1) + "\n";
-  }
-  return s;
-}
 
 class Kxview : public ::testing::Test {
  protected:
@@ -42,7 +26,9 @@ class Kxview : public ::testing::Test {
     if (!std::getenv("DISPLAY")) GTEST_SKIP() << "no X display (run under xvfb-run)";
     dir = fs::temp_directory_path() / ("kxview_test_" + std::to_string(::getpid()));
     fs::create_directories(dir);
-    std::ofstream(dir / "boxes.obj") << rowOfBoxes();
+    // Three boxes 2 x 1 x 1 in a row along x: ids 1, 2, 3.
+    std::ofstream boxes(dir / "boxes.obj");
+    for (int b = 0; b < 3; ++b) boxes << cubeObj("Box" + std::to_string(b + 1), 8 * b + 1, 3.0f * b, 2);
   }
   void TearDown() override {
     if (!dir.empty()) fs::remove_all(dir);
@@ -156,12 +142,7 @@ TEST_F(Kxview, DrawsPicksSelectsZoomsMeasuresAndExports) {
 
   // Click, window round box 1, crossing through 2 and 3, window through
   // them (nothing whole inside).
-  const std::vector<std::string> selections = starting(out, "kxview: selected");
-  ASSERT_EQ(selections.size(), 4u);
-  EXPECT_EQ(selections[0], " 2");
-  EXPECT_EQ(selections[1], " 1");
-  EXPECT_EQ(selections[2], " 2 3");
-  EXPECT_EQ(selections[3], "");
+  EXPECT_EQ(starting(out, "kxview: selected"), (std::vector<std::string>{" 2", " 1", " 2 3", ""}));
 
   // One notch in: the point under the cursor stays, the range shrinks 1.4 times.
   const std::vector<std::string> probes = starting(out, "kxview: probe 250 200 ");
