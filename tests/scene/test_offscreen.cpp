@@ -97,8 +97,9 @@ class OffscreenScene : public SceneFixture {
   }
 };
 
-TEST_F(OffscreenScene, BitmapIsLandscapeAndKeepsItsFirstSize) {
-  openTower(64, 48);
+TEST_F(OffscreenScene, BitmapIsLandscapeKeepsItsFirstSizeAndMatchesTheWindowFrame) {
+  openTower(200, 120);
+  const std::vector<uint8_t> before = frameRGBA();
   scene.setDibSize(0, 10);
   EXPECT_FALSE(CSceneMgr::getDibPtr()->IsCreated());
   scene.setDibSize(600, 800);
@@ -112,11 +113,7 @@ TEST_F(OffscreenScene, BitmapIsLandscapeAndKeepsItsFirstSize) {
   scene.ClearDibData();
   EXPECT_FALSE(CSceneMgr::getDibPtr()->IsCreated());
   EXPECT_EQ(wglGetCurrentContext(), scene.getHRC());
-}
-
-TEST_F(OffscreenScene, BitmapFrameMatchesTheWindowFrame) {
-  openTower(200, 120);
-  const std::vector<uint8_t> before = frameRGBA();
+  // Made again at the window's size, it draws the window's frame.
   scene.setDibSize(200, 120);
   scene.renderToDib();
   const DIBSection& dib = *CSceneMgr::getDibPtr();
@@ -159,7 +156,7 @@ std::vector<uint8_t> picture(CSceneMgr& scene, int w, int h, int tileW, int tile
 }
 }  // namespace
 
-TEST_F(OffscreenScene, TiledPictureMatchesOnePiece) {
+TEST_F(OffscreenScene, TiledPictureMatchesOnePieceAndExportWritesPngOrNothing) {
   openTower(80, 60);
   frameRGBA();
   const int W = 4000, H = 3000, TW = 1301, TH = 750;  // made 1280 x 736, the top band 56 rows
@@ -199,11 +196,6 @@ TEST_F(OffscreenScene, TiledPictureMatchesOnePiece) {
   EXPECT_EQ(redPixels(tiled, true), redPixels(whole, true));
   EXPECT_EQ(redPixels(tiled, false), redPixels(whole, false));
   EXPECT_EQ(wglGetCurrentContext(), scene.getHRC());  // the window's again
-}
-
-TEST_F(OffscreenScene, ExportWritesPngOrNothing) {
-  openTower(80, 60);
-  frameRGBA();
   const std::string path = ::testing::TempDir() + "kx_export.png";
   ASSERT_TRUE(scene.renderToImageTiled(90, 70, path.c_str()));
   unsigned w = 0, h = 0;
