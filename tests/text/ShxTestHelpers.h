@@ -62,13 +62,17 @@ inline std::string describe(const CShape& shape) {
   return out + " | end " + num(shape.m_endPoint.x) + "," + num(shape.m_endPoint.y);
 }
 
-// Draws one shape of a font compiled from `shp`; "missing" when absent.
-inline std::string draw(const std::string& shp, unsigned code, int kind = 1, bool vertical = false) {
+// Draws one shape of a compiled font; "missing" when absent.
+inline std::string drawBytes(const std::vector<uint8_t>& shx, unsigned code, int kind = 1, bool vertical = false) {
   CShapeInfo info;
-  if (!info.Init(writeFile(compile(shp)).c_str())) return "unreadable";
+  if (!info.Init(writeFile(shx).c_str())) return "unreadable";
   CShape shape;
   if (!info.GetShape(code, kind, shape, vertical)) return "missing";
   return describe(shape);
+}
+// The same from the source `shp`.
+inline std::string draw(const std::string& shp, unsigned code, int kind = 1, bool vertical = false) {
+  return drawBytes(compile(shp), code, kind, vertical);
 }
 
 }  // namespace shxtest

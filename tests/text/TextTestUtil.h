@@ -24,36 +24,35 @@ inline std::string smallCxf(const char* eol) {
   return s;
 }
 
-inline std::string writeTemp(const std::string& content, const char* suffix = ".cxf") {
-  char name[] = "/tmp/kxtextXXXXXX";
-  const int fd = mkstemp(name);
-  if (fd >= 0) close(fd);
-  const std::string path = std::string(name) + suffix;
-  std::rename(name, path.c_str());
+// A fresh file each time, so no cache keyed by its path hands back an
+// earlier test's font.
+inline std::string writeTemp(const std::string& content) {
+  static int n = 0;
+  const std::string path = "/tmp/kxtext_" + std::to_string(getpid()) + "_" + std::to_string(n++) + ".cxf";
   std::ofstream(path, std::ios::binary) << content;
   return path;
 }
 
-// Points the line font at the small font for one test and back after it;
+// Points the line font at the small font while it lives and back after it;
 // the code page goes back to UTF-8.
-class SmallFontTest : public ::testing::Test {
- protected:
-  void SetUp() override {
+struct SmallFont {
+  SmallFont() {
     CTextContour::createSingleton();
     tc = CTextContour::getSingleton();
     savedCxf = tc->getCxfPath();
     savedDir = tc->getFontDir();
-    path = writeTemp(smallCxf("\n"));
     tc->setFontPaths(path.c_str(), savedDir);
   }
-  void TearDown() override {
+  ~SmallFont() {
     tc->setFontPaths(savedCxf, savedDir);
     std::remove(path.c_str());
     KxSetAnsiCodePage(CP_UTF8);
   }
   CTextContour* tc = nullptr;
   CString savedCxf, savedDir;
-  std::string path;
+  const std::string path = writeTemp(smallCxf("\n"));
 };
+
+class SmallFontTest : public ::testing::Test, protected SmallFont {};
 
 }  // namespace texttest

@@ -12,22 +12,10 @@ KX_PRIVATE_MEMBER(CompileTag, &CTextRenderList::compileRenderList);
 
 using shapetest::near;
 
+// A real frame, with the line font pointed at the small font.
 class TextRenderList : public shapetest::ShapeFrame {
  protected:
-  void SetUp() override {
-    ShapeFrame::SetUp();
-    fonts.SetUp();
-  }
-  void TearDown() override {
-    fonts.TearDown();
-    ShapeFrame::TearDown();
-  }
-  struct Fonts : texttest::SmallFontTest {
-    void TestBody() override {}
-    using SmallFontTest::SetUp;
-    using SmallFontTest::TearDown;
-    using SmallFontTest::tc;
-  } fonts;
+  texttest::SmallFont fonts;
 };
 
 TEST_F(TextRenderList, FirstCallFalseThenTrueAndOneCacheEntryForAll) {
