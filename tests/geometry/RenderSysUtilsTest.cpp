@@ -248,8 +248,7 @@ TEST(RenderSysUtilsTest, CurveMidPointByParameterExceptEllipse) {
   AcGeEllipArc3d e(AcGePoint3d(), AcGeVector3d::kXAxis, AcGeVector3d::kYAxis, 5.0, 1.0, 0.0, M_PI / 2);
   AcGePoint3d mid = U::getCurveMidPoint(&e);
   double t = e.paramOf(mid);
-  EXPECT_NEAR(e.length(0.0, t), e.length(t, M_PI / 2), 1e-6);
-  EXPECT_GT(std::fabs(t - M_PI / 4), 0.1);
+  EXPECT_NEAR(e.length(0.0, t), e.length(t, M_PI / 2), 1e-6);  // the middle parameter would fail this
   EXPECT_TRUE(U::getCurveMidPoint(nullptr).isEqualTo(AcGePoint3d::kOrigin));
   AcGeLine3d infinite(AcGePoint3d(1, 1, 1), AcGeVector3d::kXAxis);
   EXPECT_TRUE(U::getCurveMidPoint(&infinite).isEqualTo(AcGePoint3d::kOrigin));
