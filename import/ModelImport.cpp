@@ -19,6 +19,7 @@
 #include "import/IfcNodeName.h"
 #include "import/MeshEdges.h"
 #include "import/PlyCheck.h"
+#include "import/SceneImport.h"
 #include "kxrender/AcGeLineSeg3d.h"
 #include "kxrender/CRenderObject.h"
 #include "kxrender/CTextureMgr.h"
@@ -274,20 +275,26 @@ class MeshUsers {
 // textured when the material has a texture (GL names are never 0).
 CRenderShape buildShape(const aiScene& scene, const std::vector<Part>& parts, const aiMatrix4x4& axes,
                         const CColor& color, unsigned texture, MeshUsers& users,
-                        const KxImportOptions& options, KxImportResult& counts) {
+                        const KxImportOptions& options) {
   std::vector<AcGePoint3d> pts;
   std::vector<AcGeVector3d> normals;
   std::vector<AcGePoint2d> uv;
   std::vector<int> tris;
+  std::vector<int> index;  // a mesh's vertex in pts, -1 when left out
   bool allNormals = true;
   for (const Part& part : parts) {
     const aiMesh* mesh = scene.mMeshes[part.mesh];
     const aiMatrix4x4 m = axes * part.world;
     const aiMatrix3x3 n = aiMatrix3x3(m).Inverse().Transpose();
-    const int base = int(pts.size());
     allNormals = allNormals && mesh->HasNormals();
+    // A position at infinity or NaN (in the file or after the node's
+    // transform) would poison the box, and the shape would be dropped
+    // whole: such vertices are left out, with the faces that use them.
+    index.assign(mesh->mNumVertices, -1);
     for (unsigned v = 0; v < mesh->mNumVertices; ++v) {
       const aiVector3D p = m * mesh->mVertices[v];
+      if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z)) continue;
+      index[v] = int(pts.size());
       pts.emplace_back(p.x, p.y, p.z);
       aiVector3D d = mesh->HasNormals() ? n * mesh->mNormals[v] : aiVector3D();
       d.NormalizeSafe();
@@ -297,16 +304,12 @@ CRenderShape buildShape(const aiScene& scene, const std::vector<Part>& parts, co
         uv.emplace_back(t.x, t.y);
       }
     }
-    auto finite = [&](unsigned i) {
-      const AcGePoint3d& p = pts[size_t(base) + i];
-      return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
-    };
     for (unsigned f = 0; f < mesh->mNumFaces; ++f) {
       const aiFace& face = mesh->mFaces[f];
-      // A corner at infinity or NaN would poison the box and the sorting.
-      if (face.mNumIndices != 3 || !finite(face.mIndices[0]) || !finite(face.mIndices[1]) || !finite(face.mIndices[2]))
+      if (face.mNumIndices != 3 || index[face.mIndices[0]] < 0 || index[face.mIndices[1]] < 0 ||
+          index[face.mIndices[2]] < 0)
         continue;
-      for (int c = 0; c < 3; ++c) tris.push_back(base + int(face.mIndices[c]));
+      for (int c = 0; c < 3; ++c) tris.push_back(index[face.mIndices[c]]);
     }
     users.done(part.mesh);
   }
@@ -325,8 +328,6 @@ CRenderShape buildShape(const aiScene& scene, const std::vector<Part>& parts, co
   for (const auto& line : lines) s.addHitLine(line);
   s.calBox();
   s.calArea();
-  counts.triangles += tris.size() / 3;
-  counts.hitLines += lines.size();
   return s;
 }
 
@@ -343,16 +344,11 @@ bool fail(CString& error, const std::string& file, const std::string& problem) {
   return false;
 }
 
-bool importScene(Assimp::Importer& importer, bool read, Progress& progress, const std::string& file,
-                 const std::string& ext, const std::filesystem::path& folder, CObjectSetMgr& set, CString& error,
-                 const KxImportOptions& options, KxImportResult* result) {
-  if (progress.cancelled()) return fail(error, file, "import cancelled");
-  if (!read) {
-    std::string why = importer.GetErrorString();
-    return fail(error, file, why.empty() ? "not a model file assimp can read" : why);
-  }
-  // Ours from here, so that its meshes can go while objects are built.
-  const std::unique_ptr<aiScene> owned(importer.GetOrphanedScene());
+// The objects of a scene assimp has read and validated; the scene is ours,
+// so that its meshes can go while objects are built.
+bool buildObjects(std::unique_ptr<aiScene> owned, Progress& progress, const std::string& file, const std::string& ext,
+                  const std::filesystem::path& folder, CObjectSetMgr& set, CString& error,
+                  const KxImportOptions& options, KxImportResult* result) {
   aiScene* scene = owned.get();
   if (!scene || scene->mFlags & AI_SCENE_FLAGS_INCOMPLETE || !scene->mRootNode || scene->mNumMeshes == 0)
     return fail(error, file, "the file holds no triangle meshes");
@@ -383,8 +379,7 @@ bool importScene(Assimp::Importer& importer, bool read, Progress& progress, cons
     auto* o = new CRenderObject;
     for (const auto& [material, parts] : byMaterial) {
       const unsigned texture = material < textures.byMaterial.size() ? textures.byMaterial[material] : 0u;
-      CRenderShape s = buildShape(*scene, parts, axes, materialColor(*scene, material), texture, users, options,
-                                  counts);
+      CRenderShape s = buildShape(*scene, parts, axes, materialColor(*scene, material), texture, users, options);
       for (const auto& [k, v] : p.tags) s.setXdata(k, v);
       o->addShape(s);
     }
@@ -402,6 +397,11 @@ bool importScene(Assimp::Importer& importer, bool read, Progress& progress, cons
       delete o;
       continue;
     }
+    // Counted as added: endAddShape drops shapes whose box is not finite.
+    for (const CRenderShape& s : o->getShps()) {
+      if (const std::vector<int>* tris = s.getFaceTriangleIndexArray()) counts.triangles += tris->size() / 3;
+      counts.hitLines += s.getHitLine().size();
+    }
     built.push_back(o);
   }
   if (built.empty()) return fail(error, file, "the file holds no triangle meshes");
@@ -413,6 +413,18 @@ bool importScene(Assimp::Importer& importer, bool read, Progress& progress, cons
   counts.warnings = textures.warnings;
   if (result) *result = std::move(counts);
   return true;
+}
+
+bool importScene(Assimp::Importer& importer, bool read, Progress& progress, const std::string& file,
+                 const std::string& ext, const std::filesystem::path& folder, CObjectSetMgr& set, CString& error,
+                 const KxImportOptions& options, KxImportResult* result) {
+  if (progress.cancelled()) return fail(error, file, "import cancelled");
+  if (!read) {
+    std::string why = importer.GetErrorString();
+    return fail(error, file, why.empty() ? "not a model file assimp can read" : why);
+  }
+  return buildObjects(std::unique_ptr<aiScene>(importer.GetOrphanedScene()), progress, file, ext, folder, set, error,
+                      options, result);
 }
 
 unsigned importFlags() {
@@ -427,6 +439,13 @@ void configure(Assimp::Importer& importer, Progress* progress) {
 }
 
 }  // namespace
+
+bool kximport::importAssimpScene(aiScene* scene, const std::string& ext, CObjectSetMgr& set, CString& error,
+                                 const KxImportOptions& options, KxImportResult* result) {
+  Progress progress(options);
+  return buildObjects(std::unique_ptr<aiScene>(scene), progress, "<scene." + ext + ">", ext, {}, set, error, options,
+                      result);
+}
 
 bool KxImportModel(const char* path, CObjectSetMgr& set, CString& error, const KxImportOptions& options,
                    KxImportResult* result) {

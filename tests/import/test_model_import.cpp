@@ -236,6 +236,15 @@ TEST_F(ModelImport, FromMemory) {
   ASSERT_TRUE(KxImportModelFromMemory(stl.data(), stl.size(), "stl", set, error, KxImportOptions(), &result))
       << error.GetString();
   EXPECT_EQ(result.triangles, 12u);
+  // A vertex that is not a number takes its triangle with it, not the mesh
+  // (with the file's normals, no crease pass rebuilds the vertex list).
+  const std::string obj = "v 0 0 0\nv 1 0 0\nv 0 1 0\nv nan 0 0\nvn 0 0 1\nf 1//1 2//1 3//1\nf 2//1 4//1 3//1\n";
+  ASSERT_TRUE(KxImportModelFromMemory(obj.data(), obj.size(), "obj", set, error, KxImportOptions(), &result))
+      << error.GetString();
+  EXPECT_EQ(result.triangles, 1u);
+  AcGePoint3d lo, hi;
+  set.getObj(result.ids.at(0))->getBox(lo, hi);
+  EXPECT_EQ(hi.x, 1.0);
   EXPECT_FALSE(KxImportModelFromMemory(stl.data(), 0, "stl", set, error));
   EXPECT_STREQ(error.GetString(), "<memory.stl>: the file is empty");
 }
