@@ -274,8 +274,7 @@ class MeshUsers {
 // One face shape of the meshes of one material, in world coordinates,
 // textured when the material has a texture (GL names are never 0).
 CRenderShape buildShape(const aiScene& scene, const std::vector<Part>& parts, const aiMatrix4x4& axes,
-                        const CColor& color, unsigned texture, MeshUsers& users,
-                        const KxImportOptions& options) {
+                        const CColor& color, unsigned texture, MeshUsers& users, const KxImportOptions& options) {
   std::vector<AcGePoint3d> pts;
   std::vector<AcGeVector3d> normals;
   std::vector<AcGePoint2d> uv;
