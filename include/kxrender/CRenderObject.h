@@ -301,7 +301,7 @@ class KXRENDER_API CRenderObject {
   /// the set's snap index true; curves reached through the getters and
   /// changed in place are not seen by it.
   void setSnapPoints(const std::vector<AcGePoint3d>& p) {
-    if (m_extra || !p.empty()) extra().snapPoints = p;  // an empty list needs no storage
+    setExtraList(&Extra::snapPoints, p);
     snapChanged();
   }
   ///@{
@@ -309,18 +309,14 @@ class KXRENDER_API CRenderObject {
   /// Setters copy the list; the object owns the curves and deletes them in
   /// clearSnapCurves and on destruction.
   const std::vector<AcGePoint3d>& getSnapPoints() const { return extraOrNone().snapPoints; }
-  void setSnapCurves(const std::vector<AcGeCurve3d*>& c) {
-    if (m_extra || !c.empty()) extra().snapCurves = c;
-  }
+  void setSnapCurves(const std::vector<AcGeCurve3d*>& c) { setExtraList(&Extra::snapCurves, c); }
   const std::vector<AcGeCurve3d*>& getSnapCurves() const { return extraOrNone().snapCurves; }
   void setSnapPointsExa(const std::vector<AcGePoint3d>& p) {
-    if (m_extra || !p.empty()) extra().snapPointsExa = p;
+    setExtraList(&Extra::snapPointsExa, p);
     snapChanged();
   }
   const std::vector<AcGePoint3d>& getSnapPointsExa() const { return extraOrNone().snapPointsExa; }
-  void setSnapCurvesExa(const std::vector<AcGeCurve3d*>& c) {
-    if (m_extra || !c.empty()) extra().snapCurvesExa = c;
-  }
+  void setSnapCurvesExa(const std::vector<AcGeCurve3d*>& c) { setExtraList(&Extra::snapCurvesExa, c); }
   const std::vector<AcGeCurve3d*>& getSnapCurvesExa() const { return extraOrNone().snapCurvesExa; }
   void clearSnapCurves();
   ///@}
@@ -392,6 +388,11 @@ class KXRENDER_API CRenderObject {
   Extra& extra();
   const Extra& extraOrNone() const { return m_extra ? *m_extra : noExtra(); }
   static const Extra& noExtra();
+  // Sets one of the part's lists; an empty list on a plain object needs no storage.
+  template <class T>
+  void setExtraList(std::vector<T> Extra::*list, const std::vector<T>& v) {
+    if (m_extra || !v.empty()) extra().*list = v;
+  }
 
   std::vector<CRenderShape> m_shapes;
   std::unique_ptr<Extra> m_extra;
