@@ -8,6 +8,7 @@
 #include "kxrender/CRenderShape.h"
 #include "objects/RetainedLean.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -56,6 +57,11 @@ struct GroupDrawing {
   float box[6] = {};      // min x, y, z, then max x, y, z
   float widestLine = 0;   // pixels
   bool hidden = false;    // its box was covered when last tested
+  // No buffer yet; box and widestLine were taken from the shapes' own
+  // boxes for key. Such a group waits unrecorded until the test after the
+  // pass finds that it may show, so a first frame records only what the
+  // groups in front leave visible.
+  bool estimated = false;
 };
 // Queues the buffer for deletion and forgets the drawing.
 void releaseGroup(GroupDrawing& g, CSceneMgr* scene);
@@ -70,6 +76,21 @@ void beginOcclusion();
 void endOcclusion();
 // Draws a recorded group, or leaves it for the test after the pass.
 void drawGroup(GroupDrawing& g);
+// Whether the pass tests boxes, so that a group can wait unrecorded.
+bool occlusionOn();
+
+// Groups never recorded that wait for the test after the pass (see
+// closeGroup), with the objects that joined them.
+size_t waitingUnrecorded();
+// Null once recorded.
+GroupDrawing* unrecordedGroup(size_t i);
+// Records the group from its objects and draws it.
+void recordWaiting(size_t i);
+// The last group closed waits unrecorded and nothing was drawn since: it
+// is recorded and drawn now, so that what follows finds the colour and
+// normal its drawing leaves.
+void settleWaiting();
+void forgetWaiting();
 
 // Whether a display list is being compiled (a static object's, say): lists
 // cannot nest, so retained drawing then steps aside.

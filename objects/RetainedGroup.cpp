@@ -8,6 +8,7 @@
 #include "kxrender/CSceneMgr.h"
 #include "objects/RetainedDraw.h"
 #include "objects/RetainedLean.h"
+#include "shapes/ShapeRenderState.h"
 #include "support/GLTable.h"
 
 namespace kxretained {
@@ -52,6 +53,7 @@ void releaseGroup(GroupDrawing& g, CSceneMgr* scene) {
   g.buffer = 0;
   g.steps.clear();
   g.hasLast = false;
+  g.estimated = false;
 }
 
 bool compilingOtherList() {
@@ -109,9 +111,138 @@ void drawJoined() {
 }  // namespace
 
 void interruptGroup() {
+  settleWaiting();
   if (!g_group.drawing) return;
   g_group.interrupted = true;
   drawJoined();
+}
+
+namespace {
+// Records the items into the group's buffer and draws it in place; without
+// a buffer they are drawn the plain way.
+void record(GroupDrawing& g, const GroupWriter::Item* items, size_t count, uint64_t key, CSceneMgr* scene) {
+  releaseGroup(g, scene);
+  // Inside another list's compilation a buffer's draws would be copied
+  // into that list: the group then draws the plain way.
+  if (scene && !compilingOtherList()) kgl->GenBuffers(1, &g.buffer);
+  if (g.buffer == 0) {
+    LeanWriter w(2, 255);
+    for (size_t i = 0; i < count; ++i) GroupWriter::write(w, items[i]);
+    return;
+  }
+  // Recorded into storage kept per thread, so that recording allocates
+  // nothing once it has grown; the group keeps its steps.
+  thread_local LeanRecording scratch;
+  scratch.clear();
+  {
+    LeanWriter w(2, 255, &scratch);
+    for (size_t i = 0; i < count; ++i) GroupWriter::write(w, items[i]);
+  }
+  g.steps.steps.assign(scratch.steps.begin(), scratch.steps.end());
+  g.steps.matrices.assign(scratch.matrices.begin(), scratch.matrices.end());
+  const std::vector<LeanVertex>& vertices = scratch.vertices;
+  g.hasLast = !vertices.empty();
+  if (g.hasLast) g.last = vertices.back();
+  kgl->BindBuffer(GL_ARRAY_BUFFER, g.buffer);
+  kgl->BufferData(GL_ARRAY_BUFFER, GLsizeiptr(vertices.size() * sizeof(LeanVertex)), vertices.data(),
+                  GL_STATIC_DRAW);
+  kgl->BindBuffer(GL_ARRAY_BUFFER, 0);
+  g.key = key;
+  boxGroup(g, vertices);
+  drawGroup(g);
+}
+
+// Unrecorded groups waiting for the test after the pass: their objects, in
+// storage kept per thread.
+struct Waiting {
+  GroupDrawing* drawing;  // null once recorded
+  uint32_t first, count;  // its items
+};
+struct WaitingGroups {
+  std::vector<GroupWriter::Item> items;
+  std::vector<Waiting> groups;
+  CSceneMgr* scene = nullptr;
+  bool lastClosed = false;  // the last group closed waits, and nothing drew since
+};
+thread_local WaitingGroups g_waiting;
+
+// The union of the visible shapes' boxes (their points, or a face's
+// vertices, lifted as drawn), which is what frustum culling takes too, and
+// the widest line any of them draws. False when that cannot be told
+// without recording: instanced shapes under matrices, fills pulled towards
+// the eye, widths or boxes that are not finite.
+bool estimateBox(GroupDrawing& g, const GroupWriter::Item* items, size_t count) {
+  double lo[3] = {INFINITY, INFINITY, INFINITY}, hi[3] = {-INFINITY, -INFINITY, -INFINITY};
+  float widest = kxshape::kFaceLineWidth;
+  for (size_t i = 0; i < count; ++i) {
+    const GroupWriter::Item& item = items[i];
+    if (item.instanced > 0 && !item.object->getSmpMat().empty()) return false;
+    for (const CRenderShape& s : *item.shapes) {
+      if (!s.getVisible()) continue;
+      if (s.getOffsetFactor() < 0.0f || s.getOffsetUnits() < 0.0f) return false;
+      widest = std::max({widest, s.lineWidth(item.pixelsPerUnit), s.getBorderWidth()});
+      AcGePoint3d a, b;
+      s.getBox(a, b);
+      const double lift = s.getZOffset();
+      lo[0] = std::min(lo[0], a.x);
+      lo[1] = std::min(lo[1], a.y);
+      lo[2] = std::min({lo[2], a.z, a.z + lift});
+      hi[0] = std::max(hi[0], b.x);
+      hi[1] = std::max(hi[1], b.y);
+      hi[2] = std::max({hi[2], b.z, b.z + lift});
+    }
+  }
+  for (int k = 0; k < 3; ++k) {
+    // Outward, so that the float box holds the points.
+    g.box[k] = std::nextafter(static_cast<float>(lo[k]), -INFINITY);
+    g.box[k + 3] = std::nextafter(static_cast<float>(hi[k]), INFINITY);
+  }
+  g.widestLine = widest;
+  for (float f : g.box)
+    if (!std::isfinite(f)) return false;
+  return std::isfinite(widest);
+}
+
+// A group never recorded waits unrecorded when its box can be told, so
+// that it is recorded only once the test after the pass finds that it may
+// show.
+bool wait(GroupDrawing& g, CSceneMgr* scene) {
+  if (!g.estimated || g.key != g_group.joinedKey) {
+    g.key = g_group.joinedKey;
+    g.estimated = estimateBox(g, g_group.items.data(), g_group.items.size());
+  }
+  if (!g.estimated) return false;
+  g_waiting.scene = scene;
+  g_waiting.groups.push_back({&g, uint32_t(g_waiting.items.size()), uint32_t(g_group.items.size())});
+  g_waiting.items.insert(g_waiting.items.end(), g_group.items.begin(), g_group.items.end());
+  g_group.items.clear();
+  g_waiting.lastClosed = true;
+  return true;
+}
+}  // namespace
+
+size_t waitingUnrecorded() { return g_waiting.groups.size(); }
+
+GroupDrawing* unrecordedGroup(size_t i) { return g_waiting.groups[i].drawing; }
+
+void recordWaiting(size_t i) {
+  Waiting& w = g_waiting.groups[i];
+  if (!w.drawing) return;
+  GroupDrawing& g = *w.drawing;
+  w.drawing = nullptr;
+  record(g, g_waiting.items.data() + w.first, w.count, g.key, g_waiting.scene);
+}
+
+void settleWaiting() {
+  if (!g_waiting.lastClosed) return;
+  g_waiting.lastClosed = false;
+  recordWaiting(g_waiting.groups.size() - 1);
+}
+
+void forgetWaiting() {
+  g_waiting.items.clear();
+  g_waiting.groups.clear();
+  g_waiting.lastClosed = false;
 }
 
 void closeGroup(CSceneMgr* scene) {
@@ -127,38 +258,14 @@ void closeGroup(CSceneMgr* scene) {
   // for when they come back.
   if (g_group.items.empty()) return;
   if (g.buffer != 0 && g.key == g_group.joinedKey) {
+    g_waiting.lastClosed = false;
     drawGroup(g);
     return;
   }
-  releaseGroup(g, scene);
-  // Inside another list's compilation a buffer's draws would be copied
-  // into that list: the group then draws the plain way.
-  if (scene && !compilingOtherList()) kgl->GenBuffers(1, &g.buffer);
-  if (g.buffer == 0) {
-    drawJoined();
-    return;
-  }
-  // Recorded into storage kept per thread, so that recording allocates
-  // nothing once it has grown; the group keeps its steps.
-  thread_local LeanRecording scratch;
-  scratch.clear();
-  {
-    LeanWriter w(2, 255, &scratch);
-    for (const GroupWriter::Item& i : g_group.items) GroupWriter::write(w, i);
-  }
+  if (g.buffer == 0 && scene && occlusionOn() && !compilingOtherList() && wait(g, scene)) return;
+  g_waiting.lastClosed = false;
+  record(g, g_group.items.data(), g_group.items.size(), g_group.joinedKey, scene);
   g_group.items.clear();
-  g.steps.steps.assign(scratch.steps.begin(), scratch.steps.end());
-  g.steps.matrices.assign(scratch.matrices.begin(), scratch.matrices.end());
-  const std::vector<LeanVertex>& vertices = scratch.vertices;
-  g.hasLast = !vertices.empty();
-  if (g.hasLast) g.last = vertices.back();
-  kgl->BindBuffer(GL_ARRAY_BUFFER, g.buffer);
-  kgl->BufferData(GL_ARRAY_BUFFER, GLsizeiptr(vertices.size() * sizeof(LeanVertex)), vertices.data(),
-                  GL_STATIC_DRAW);
-  kgl->BindBuffer(GL_ARRAY_BUFFER, 0);
-  g.key = g_group.joinedKey;
-  boxGroup(g, vertices);
-  drawGroup(g);
 }
 
 }  // namespace kxretained

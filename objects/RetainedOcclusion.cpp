@@ -25,6 +25,7 @@ struct OcclusionPass {
   double toWindow[16] = {};  // world to window: pixels from the viewport's corner, depth
   int viewport[4] = {};
   std::vector<GroupDrawing*> drawn, waiting;
+  std::vector<std::pair<double, uint32_t>> unrecorded;  // nearest depth, index
   DepthTiles tiles;  // kept with the lists above: no allocation per frame
 };
 
@@ -101,9 +102,73 @@ bool boxMayShow(const GroupDrawing& g) {
   return g_pass.tiles.mayShow(corners);
 }
 
+// The window depth of the box's nearest corner.
+double nearestDepth(const GroupDrawing& g) {
+  const double* m = g_pass.toWindow;
+  double nearest = INFINITY;
+  for (int i = 0; i < 8; ++i) {
+    const double p[3] = {g.box[i & 1 ? 3 : 0], g.box[i & 2 ? 4 : 1], g.box[i & 4 ? 5 : 2]};
+    nearest = std::min(nearest, m[2] * p[0] + m[6] * p[1] + m[10] * p[2] + m[14]);
+  }
+  return nearest;
+}
+
+// Draws a group after the pass, leaving the colour and normal as it found
+// them.
+class LateDrawing {
+ public:
+  ~LateDrawing() {
+    if (!m_saved) return;
+    kgl->Color4f(m_colour[0], m_colour[1], m_colour[2], m_colour[3]);
+    kgl->Normal3f(m_normal[0], m_normal[1], m_normal[2]);
+  }
+  void save() {
+    if (m_saved) return;
+    kgl->GetFloatv(GL_CURRENT_COLOR, m_colour);
+    kgl->GetFloatv(GL_CURRENT_NORMAL, m_normal);
+    m_saved = true;
+  }
+
+ private:
+  bool m_saved = false;
+  GLfloat m_colour[4] = {1, 1, 1, 1}, m_normal[3] = {0, 0, 1};
+};
+
+// Groups never recorded, nearest first, in rounds that grow by half: each
+// round records and draws those whose box may still show, and the depth is
+// read again before the next. So a first frame records what a frame with
+// every group recorded would draw, not the whole model.
+void drawUnrecorded(LateDrawing& late) {
+  std::vector<std::pair<double, uint32_t>>& order = g_pass.unrecorded;
+  order.clear();
+  for (size_t i = 0; i < waitingUnrecorded(); ++i)
+    if (const GroupDrawing* g = unrecordedGroup(i)) order.push_back({nearestDepth(*g), uint32_t(i)});
+  std::sort(order.begin(), order.end());
+  size_t next = 0, round = std::max<size_t>(1, order.size() / 32);
+  while (next < order.size()) {
+    for (size_t drawn = 0; next < order.size() && drawn < round; ++next) {
+      GroupDrawing& g = *unrecordedGroup(order[next].second);
+      if (!boxMayShow(g)) continue;
+      late.save();
+      recordWaiting(order[next].second);
+      ++drawn;
+    }
+    if (next < order.size() && !g_pass.tiles.read(g_pass.viewport)) break;
+    round = std::max(round + 1, round + round / 2);
+  }
+  // Past a failed read every group left may show.
+  for (; next < order.size(); ++next) {
+    late.save();
+    recordWaiting(order[next].second);
+  }
+}
+
 }  // namespace
 
+bool occlusionOn() { return g_pass.on; }
+
 void beginOcclusion() {
+  forgetWaiting();
   g_pass.drawn.clear();
   g_pass.waiting.clear();
   double depthExtent = 0.0;
@@ -132,29 +197,23 @@ void drawGroup(GroupDrawing& g) {
 
 void endOcclusion() {
   if (!g_pass.on) return;
+  // What follows the pass finds the state its last drawing left.
+  settleWaiting();
   g_pass.on = false;
-  if (g_pass.drawn.empty() && g_pass.waiting.empty()) return;
+  if (g_pass.drawn.empty() && g_pass.waiting.empty() && waitingUnrecorded() == 0) return;
   g_pass.tiles.read(g_pass.viewport);  // unread, the tiles let every box show
   for (GroupDrawing* g : g_pass.drawn) g->hidden = !boxMayShow(*g);
-  bool saved = false;
-  GLfloat colour[4] = {1, 1, 1, 1}, normal[3] = {0, 0, 1};
+  LateDrawing late;
   for (GroupDrawing* g : g_pass.waiting) {
     if (!boxMayShow(*g)) continue;
-    if (!saved) {
-      // Late drawings leave the current colour and normal as the pass did.
-      kgl->GetFloatv(GL_CURRENT_COLOR, colour);
-      kgl->GetFloatv(GL_CURRENT_NORMAL, normal);
-      saved = true;
-    }
+    late.save();
     g->hidden = false;
     replay(g->steps, g->buffer, nullptr);
   }
-  if (saved) {
-    kgl->Color4f(colour[0], colour[1], colour[2], colour[3]);
-    kgl->Normal3f(normal[0], normal[1], normal[2]);
-  }
+  drawUnrecorded(late);
   g_pass.drawn.clear();
   g_pass.waiting.clear();
+  forgetWaiting();
 }
 
 }  // namespace kxretained
