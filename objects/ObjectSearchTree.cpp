@@ -64,6 +64,8 @@ void CObjectSearchTree::clear() {
   m_nodes.clear();
   m_pending.clear();
   m_where.clear();
+  m_places.clear();
+  m_freePlaces.clear();
   m_tombstones = 0;
 }
 
@@ -71,20 +73,32 @@ void CObjectSearchTree::insert(CRenderObject* obj) {
   if (!obj) return;
   // An object without a finite box is known (so remove works) but never
   // found, and stays out of the tree where it would upset the ordering.
-  const auto placed = m_where.try_emplace(obj, Where{false, kUnindexed});
+  const auto placed = m_where.try_emplace(obj, 0u);
   if (!placed.second) return;
+  uint32_t handle = static_cast<uint32_t>(m_places.size());
+  if (m_freePlaces.empty()) {
+    m_places.push_back(Where{false, kUnindexed});
+  } else {
+    handle = m_freePlaces.back();
+    m_freePlaces.pop_back();
+    m_places[handle] = Where{false, kUnindexed};
+  }
+  placed.first->second = handle;
   Entry e{};
   if (!boxOf(obj, e.box)) return;
   e.obj = obj;
-  placed.first->second = Where{true, static_cast<uint32_t>(m_pending.size())};
+  e.handle = handle;
+  m_places[handle] = Where{true, static_cast<uint32_t>(m_pending.size())};
   m_pending.push_back(e);
 }
 
 void CObjectSearchTree::remove(CRenderObject* obj) {
   auto it = m_where.find(obj);
   if (it == m_where.end()) return;
-  const Where w = it->second;
+  const uint32_t handle = it->second;
+  const Where w = m_places[handle];
   m_where.erase(it);
+  m_freePlaces.push_back(handle);
   if (w.index == kUnindexed) return;
   if (w.pending) {
     // Swap the last pending entry into the hole.
@@ -92,7 +106,7 @@ void CObjectSearchTree::remove(CRenderObject* obj) {
     m_pending.pop_back();
     if (w.index < m_pending.size()) {
       m_pending[w.index] = last;
-      m_where[last.obj].index = w.index;
+      m_places[last.handle].index = w.index;
     }
   } else {
     m_entries[w.index].obj = nullptr;
@@ -125,7 +139,7 @@ void CObjectSearchTree::rebuild() const {
     m_nodes.reserve(2 * m_entries.size() / kLeafSize + 1);
     build(0, static_cast<uint32_t>(m_entries.size()));
   }
-  for (uint32_t i = 0; i < m_entries.size(); ++i) m_where[m_entries[i].obj] = Where{false, i};
+  for (uint32_t i = 0; i < m_entries.size(); ++i) m_places[m_entries[i].handle] = Where{false, i};
 }
 
 uint32_t CObjectSearchTree::build(uint32_t first, uint32_t count) const {

@@ -46,6 +46,7 @@ class CObjectSearchTree {
   struct Entry {
     Box box;
     CRenderObject* obj;  // null: removed since the last build
+    uint32_t handle;     // its object's place in m_places
   };
   struct Node {
     Box box;
@@ -70,6 +71,11 @@ class CObjectSearchTree {
   mutable std::vector<Entry> m_entries;
   mutable std::vector<Node> m_nodes;
   mutable std::vector<Entry> m_pending;
-  mutable std::unordered_map<const CRenderObject*, Where> m_where;
+  // Object to a handle that stays while the object is known, and handle to
+  // where its entry is: a rebuild moves every entry, and rewriting an
+  // array costs far less than as many hash lookups.
+  std::unordered_map<const CRenderObject*, uint32_t> m_where;
+  mutable std::vector<Where> m_places;
+  std::vector<uint32_t> m_freePlaces;
   mutable size_t m_tombstones = 0;
 };
