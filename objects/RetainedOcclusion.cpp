@@ -137,14 +137,16 @@ class LateDrawing {
 // Groups never recorded, nearest first, in rounds that grow by half: each
 // round records and draws those whose box may still show, and the depth is
 // read again before the next. So a first frame records what a frame with
-// every group recorded would draw, not the whole model.
+// every group recorded would draw, not the whole model. A read waits for
+// the rasteriser to catch up, which costs about as much as recording ten
+// groups: rounds start at eight groups where there are enough for four.
 void drawUnrecorded(LateDrawing& late) {
   std::vector<std::pair<double, uint32_t>>& order = g_pass.unrecorded;
   order.clear();
   for (size_t i = 0; i < waitingUnrecorded(); ++i)
     if (const GroupDrawing* g = unrecordedGroup(i)) order.push_back({nearestDepth(*g), uint32_t(i)});
   std::sort(order.begin(), order.end());
-  size_t next = 0, round = std::max<size_t>(1, order.size() / 32);
+  size_t next = 0, round = std::max({size_t{1}, order.size() / 32, std::min<size_t>(8, order.size() / 4)});
   while (next < order.size()) {
     for (size_t drawn = 0; next < order.size() && drawn < round; ++next) {
       GroupDrawing& g = *unrecordedGroup(order[next].second);
