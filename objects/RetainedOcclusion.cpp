@@ -26,6 +26,7 @@ struct OcclusionPass {
   int viewport[4] = {};
   std::vector<GroupDrawing*> drawn, waiting;
   std::vector<std::pair<double, uint32_t>> unrecorded;  // nearest depth, index
+  int sinceFlush = 0;  // groups drawn since the last flush
   DepthTiles tiles;  // kept with the lists above: no allocation per frame
 };
 
@@ -100,6 +101,19 @@ bool boxMayShow(const GroupDrawing& g) {
     for (int k = 0; k < 3; ++k) corners[i][k] = m[k] * p[0] + m[4 + k] * p[1] + m[8 + k] * p[2] + m[12 + k];
   }
   return g_pass.tiles.mayShow(corners);
+}
+
+// The software rasteriser starts on a frame's triangles only once they are
+// flushed: handing them over every few groups keeps its threads busy while
+// this one goes on drawing, instead of leaving all of it to the depth read
+// after the pass.
+constexpr int kGroupsPerFlush = 16;
+
+void replayAndHandOver(const GroupDrawing& g, const LeanVertex* last) {
+  replay(g.steps, g.buffer, last);
+  if (++g_pass.sinceFlush < kGroupsPerFlush) return;
+  g_pass.sinceFlush = 0;
+  kgl->Flush();
 }
 
 // The window depth of the box's nearest corner.
@@ -181,7 +195,7 @@ void beginOcclusion() {
 void drawGroup(GroupDrawing& g) {
   const LeanVertex* last = g.hasLast ? &g.last : nullptr;
   if (!g_pass.on || !g.boxed) {
-    replay(g.steps, g.buffer, last);
+    replayAndHandOver(g, last);
     return;
   }
   if (g.hidden) {
@@ -193,7 +207,7 @@ void drawGroup(GroupDrawing& g) {
     g_pass.waiting.push_back(&g);
     return;
   }
-  replay(g.steps, g.buffer, last);
+  replayAndHandOver(g, last);
   g_pass.drawn.push_back(&g);
 }
 
@@ -210,7 +224,7 @@ void endOcclusion() {
     if (!boxMayShow(*g)) continue;
     late.save();
     g->hidden = false;
-    replay(g->steps, g->buffer, nullptr);
+    replayAndHandOver(*g, nullptr);
   }
   drawUnrecorded(late);
   g_pass.drawn.clear();
