@@ -14,14 +14,15 @@
 namespace {
 
 // Everything a drawer reads is folded into one 64-bit key; a changed key
-// recompiles the list.
+// recompiles the list. Each step is a bijection of the state for a given
+// word, so a change in any one word always changes the key; one multiply a
+// word keeps the hashing of every visible object cheap enough for every
+// frame, and a final mix spreads the bits.
 class KeyHash {
  public:
   void add(uint64_t v) {
-    uint64_t z = m_h ^ (v + 0x9e3779b97f4a7c15ULL);
-    z = (z ^ (z >> 30)) * 0xbf58476d1ce4e5b9ULL;
-    z = (z ^ (z >> 27)) * 0x94d049bb133111ebULL;
-    m_h = z ^ (z >> 31);
+    const uint64_t z = (m_h ^ v) * 0x9e3779b97f4a7c15ULL;
+    m_h = z ^ (z >> 29);
   }
   void add(double d) {
     uint64_t v;
@@ -36,7 +37,11 @@ class KeyHash {
     add(static_cast<const void*>(v.data()));
     add(static_cast<uint64_t>(v.size()));
   }
-  uint64_t value() const { return m_h; }
+  uint64_t value() const {
+    uint64_t z = (m_h ^ (m_h >> 30)) * 0xbf58476d1ce4e5b9ULL;
+    z = (z ^ (z >> 27)) * 0x94d049bb133111ebULL;
+    return z ^ (z >> 31);
+  }
 
  private:
   uint64_t m_h = 0x84222325cbf29ce4ULL;
