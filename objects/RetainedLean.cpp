@@ -142,11 +142,19 @@ void LeanWriter::polygonFill(const CRenderShape& s) {
   const std::vector<double>& v = s.getGlPts();
   const size_t count = v.size() / 3;
   fillState(s.getOffsetFactor(), s.getOffsetUnits());
+  if (!m_current) return;
+  std::vector<Vertex>& out = m_current->vertices;
+  // Every vertex of the fill carries the same normal and colour.
+  Vertex w{{0.0f, 0.0f, 0.0f}, {m_normal[0], m_normal[1], m_normal[2]}, {m_rgba[0], m_rgba[1], m_rgba[2], m_rgba[3]}};
   auto put = [&](uint16_t i) {
-    vertex(static_cast<float>(v[3 * i]), static_cast<float>(v[3 * i + 1]), static_cast<float>(v[3 * i + 2]));
+    const double* p = &v[3 * size_t(i)];
+    w.p[0] = static_cast<float>(p[0]);
+    w.p[1] = static_cast<float>(p[1]);
+    w.p[2] = static_cast<float>(p[2]);
+    out.push_back(w);
   };
   for (const std::vector<uint16_t>& strip : s.getStrips()) {
-    if (!fits(strip, count)) continue;
+    if (strip.size() < 3 || !fits(strip, count)) continue;
     // A strip's triangles in the order GL takes them: odd ones swap their
     // first two vertices to keep the winding.
     for (size_t k = 0; k + 2 < strip.size(); ++k) {
