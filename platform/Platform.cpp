@@ -2,10 +2,8 @@
 #include "platform/Platform.h"
 
 #include <epoxy/gl.h>
-#include <malloc.h>
 
 #include <algorithm>
-#include <mutex>
 
 namespace kxplatform {
 namespace {
@@ -72,12 +70,6 @@ EGLConfig Platform::configFor(const FormatKey& key, long visual) {
 
 EGLContext Platform::createContext(EGLConfig config) const {
   if (!config || !eglBindAPI(EGL_OPENGL_API)) return EGL_NO_CONTEXT;
-  // The software rasteriser frees its binning memory after every frame.
-  // Past the default threshold of 128 KB the heap hands that back to the
-  // kernel, and the next frame faults it in again page by page; keeping
-  // up to 32 MB free spares every frame that cost.
-  static std::once_flag heapKept;
-  std::call_once(heapKept, [] { mallopt(M_TRIM_THRESHOLD, 32 << 20); });
   // No version asked for: the driver's compatibility profile.
   return eglCreateContext(m_display, config, EGL_NO_CONTEXT, nullptr);
 }
