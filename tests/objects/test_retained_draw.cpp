@@ -190,14 +190,20 @@ TEST_F(RetainedFrame, HiddenGroupsAreSkippedAndShowAgainWhenUncovered) {
       set().addObject(objectOf({withBorder(rectShape(x, y, x + 4, y + 4, z, fill), CColor(250, 250, 250, 255), 5.0)}));
     }
     const unsigned plate = set().addObject(rectObject(-8, -8, 8, 8, 4, CColor(90, 90, 90, 255)));
-    auto drawCalls = [this] {
+    // Draw calls, and the colour the frame leaves current: the first frame
+    // records groups after its pass, yet leaves what replaying them does.
+    std::vector<float> colour(4);
+    auto drawCalls = [&] {
       GLRecorder rec(true);
       frame(true);
+      kgl->GetFloatv(GL_CURRENT_COLOR, colour.data());
       return rec.count("glDrawArrays");
     };
     // The first frame already leaves the covered groups unrecorded.
     const size_t first = drawCalls();
+    const std::vector<float> firstColour = colour;
     const size_t steady = drawCalls();
+    EXPECT_EQ(firstColour, colour);
     const size_t recorded = set().retainedGroupBuffers().size();
     const std::vector<uint8_t> covered = frame(true);
     EXPECT_TRUE(covered == frame(false));
