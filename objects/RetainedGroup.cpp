@@ -166,13 +166,59 @@ struct WaitingGroups {
 };
 thread_local WaitingGroups g_waiting;
 
-// The union of the visible shapes' boxes (their points, or a face's
-// vertices, lifted as drawn), which is what frustum culling takes too, and
-// the widest line any of them draws. False when that cannot be told
-// without recording: instanced shapes under matrices, fills pulled towards
-// the eye, widths or boxes that are not finite.
-bool estimateBox(GroupDrawing& g, const GroupWriter::Item* items, size_t count) {
+// The extent of everything the writer may send for these objects in any
+// mode: outlines, holes, triangulated vertices, hit lines and face meshes,
+// lifted as drawn. Their own boxes would not do: a polygon's lift moves its
+// triangulated vertices only, and a polyline's lift leaves its box behind.
+class Extent {
+ public:
+  void add(double x, double y, double z) {
+    const double p[3] = {x, y, z};
+    for (int k = 0; k < 3; ++k) {
+      lo[k] = std::min(lo[k], p[k]);
+      hi[k] = std::max(hi[k], p[k]);
+    }
+  }
+  void add(const std::vector<AcGePoint3d>& pts, double lift) {
+    for (const AcGePoint3d& p : pts) add(p.x, p.y, p.z + lift);
+  }
+  void addShape(const CRenderShape& s) {
+    add(s.getPts(), 0.0);
+    for (const auto& hole : s.getHoles()) add(hole, 0.0);
+    const std::vector<double>& gl = s.getGlPts();
+    for (size_t i = 0; i + 2 < gl.size(); i += 3) add(gl[i], gl[i + 1], gl[i + 2]);
+    const double lift = s.getZOffset();
+    for (const auto& line : s.getHitLine()) {
+      add(line, 0.0);
+      add(line, lift);
+    }
+    if (const std::vector<AcGePoint3d>* mesh = s.getFaceVertexArray()) {
+      add(*mesh, 0.0);
+      add(*mesh, lift);
+    }
+  }
+  // Outward to floats, so that the float box holds every point; false when
+  // it is empty or not finite.
+  bool store(float* box) const {
+    for (int k = 0; k < 3; ++k) {
+      box[k] = std::nextafter(static_cast<float>(lo[k]), -INFINITY);
+      box[k + 3] = std::nextafter(static_cast<float>(hi[k]), INFINITY);
+    }
+    for (int k = 0; k < 6; ++k)
+      if (!std::isfinite(box[k])) return false;
+    return true;
+  }
+
+ private:
   double lo[3] = {INFINITY, INFINITY, INFINITY}, hi[3] = {-INFINITY, -INFINITY, -INFINITY};
+};
+
+// The objects' extent and the widest line any of their shapes draws, found
+// without recording. False when that cannot be told so: instanced shapes
+// under matrices, fills pulled towards the eye, widths or points that are
+// not finite.
+bool estimateBox(GroupDrawing& g, const GroupWriter::Item* items, size_t count) {
+  Extent extent;
   float widest = kxshape::kFaceLineWidth;
   for (size_t i = 0; i < count; ++i) {
     const GroupWriter::Item& item = items[i];
@@ -181,26 +227,11 @@ bool estimateBox(GroupDrawing& g, const GroupWriter::Item* items, size_t count) 
       if (!s.getVisible()) continue;
       if (s.getOffsetFactor() < 0.0f || s.getOffsetUnits() < 0.0f) return false;
       widest = std::max({widest, s.lineWidth(item.pixelsPerUnit), s.getBorderWidth()});
-      AcGePoint3d a, b;
-      s.getBox(a, b);
-      const double lift = s.getZOffset();
-      lo[0] = std::min(lo[0], a.x);
-      lo[1] = std::min(lo[1], a.y);
-      lo[2] = std::min({lo[2], a.z, a.z + lift});
-      hi[0] = std::max(hi[0], b.x);
-      hi[1] = std::max(hi[1], b.y);
-      hi[2] = std::max({hi[2], b.z, b.z + lift});
+      extent.addShape(s);
     }
   }
-  for (int k = 0; k < 3; ++k) {
-    // Outward, so that the float box holds the points.
-    g.box[k] = std::nextafter(static_cast<float>(lo[k]), -INFINITY);
-    g.box[k + 3] = std::nextafter(static_cast<float>(hi[k]), INFINITY);
-  }
   g.widestLine = widest;
-  for (float f : g.box)
-    if (!std::isfinite(f)) return false;
-  return std::isfinite(widest);
+  return extent.store(g.box) && std::isfinite(widest);
 }
 
 // A group never recorded waits unrecorded when its box can be told, so

@@ -58,6 +58,20 @@ class RetainedFrame : public SceneFixture {
     for (int i = 0; i < 70; ++i) set().addObject(rectObject(1000 + i, 1000, 1000.5 + i, 1000.5));
   }
 
+  // Overlapping tiles 20 pixels wide, each at its own depth, some above a
+  // plate that covers them, from left to reach across and from -8 to reach
+  // up; the plate's id.
+  unsigned tilesUnderPlate(bool someAbove, double left = -8, double reach = 8) {
+    set().clear();
+    for (int i = 0; i < 256; ++i) {
+      const bool edge = i >= 252, above = someAbove && i % 8 == 0;
+      const double x = edge ? 3.4 : -6 + 0.5 * (i % 16), y = -6 + 0.5 * (i / 16), z = (above ? 8 : 0) - 0.01 * i;
+      const CColor fill(i, 255 - i, 90, 255);
+      set().addObject(objectOf({withBorder(rectShape(x, y, x + 4, y + 4, z, fill), CColor(250, 250, 250, 255), 5.0)}));
+    }
+    return set().addObject(rectObject(left, -8, reach, reach, 4, CColor(90, 90, 90, 255)));
+  }
+
   std::vector<uint8_t> frame(bool retained) {
     scene.setRetainedDraw(retained);
     return frameRGBA();
@@ -181,15 +195,7 @@ TEST_F(RetainedFrame, SinglePointsGoOutInOneBatchOnlyWithThePathOn) {
 TEST_F(RetainedFrame, HiddenGroupsAreSkippedAndShowAgainWhenUncovered) {
   for (const bool someAbove : {false, true}) {
     SCOPED_TRACE(someAbove ? "some tiles above the plate" : "all tiles under the plate");
-    set().clear();
-    // Overlapping tiles 20 pixels wide, each at its own depth.
-    for (int i = 0; i < 256; ++i) {
-      const bool edge = i >= 252, above = someAbove && i % 8 == 0;
-      const double x = edge ? 3.4 : -6 + 0.5 * (i % 16), y = -6 + 0.5 * (i / 16), z = (above ? 8 : 0) - 0.01 * i;
-      const CColor fill(i, 255 - i, 90, 255);
-      set().addObject(objectOf({withBorder(rectShape(x, y, x + 4, y + 4, z, fill), CColor(250, 250, 250, 255), 5.0)}));
-    }
-    const unsigned plate = set().addObject(rectObject(-8, -8, 8, 8, 4, CColor(90, 90, 90, 255)));
+    const unsigned plate = tilesUnderPlate(someAbove);
     // Draw calls, and the colour the frame leaves current: the first frame
     // records groups after its pass, yet leaves what replaying them does.
     std::vector<float> colour(4);
@@ -214,4 +220,18 @@ TEST_F(RetainedFrame, HiddenGroupsAreSkippedAndShowAgainWhenUncovered) {
     EXPECT_TRUE(uncovered != covered);
     EXPECT_TRUE(uncovered == frame(false));
   }
+}
+
+TEST_F(RetainedFrame, AFirstFrameDrawsAPolygonLiftedOutFromUnderCover) {
+  // The lift moves the fill's triangles along (1, 1, 1), out from under the
+  // plate, while the outline and its box stay under it: the group must not
+  // be taken as covered before it is recorded. The plate reaches far to the
+  // left, so that it falls in another group.
+  tilesUnderPlate(false, -30, 11);
+  const unsigned lifted = set().addObject(rectObject(0, 0, 8, 8, -3, CColor(0, 0, 255, 255)));
+  set().getObj(lifted)->getShps()[0].setZOffset(4.0f);
+  const std::vector<uint8_t> first = frame(true);
+  EXPECT_TRUE(first == frame(false));
+  set().getObj(lifted)->setVisible(false);
+  EXPECT_TRUE(frame(false) != first) << "the lifted fill shows";
 }
