@@ -167,38 +167,34 @@ struct WaitingGroups {
 thread_local WaitingGroups g_waiting;
 
 // The extent of everything the writer may send for these objects in any
-// mode: outlines, holes, triangulated vertices, hit lines and face meshes,
-// lifted as drawn. Their own boxes would not do: a polygon's lift moves its
-// triangulated vertices only, and a polyline's lift leaves its box behind.
+// mode, lifted as drawn. A shape's box (its outline, or a face's mesh) is
+// kept up to date like the object boxes that frustum culling reads; what a
+// lift moves away from it is read: a polygon's triangulated vertices, a
+// polyline's points, a face's lifted mesh and edges. Holes and hit lines
+// are read too, being short.
 class Extent {
  public:
-  void add(double x, double y, double z) {
-    const double p[3] = {x, y, z};
-    for (int k = 0; k < 3; ++k) {
-      lo[k] = std::min(lo[k], p[k]);
-      hi[k] = std::max(hi[k], p[k]);
-    }
-  }
-  void add(const std::vector<AcGePoint3d>& pts, double lift) {
-    for (const AcGePoint3d& p : pts) add(p.x, p.y, p.z + lift);
-  }
   void addShape(const CRenderShape& s) {
-    add(s.getPts(), 0.0);
-    for (const auto& hole : s.getHoles()) add(hole, 0.0);
-    const std::vector<double>& gl = s.getGlPts();
-    for (size_t i = 0; i + 2 < gl.size(); i += 3) add(gl[i], gl[i + 1], gl[i + 2]);
+    AcGePoint3d a, b;
+    s.getBox(a, b);
     const double lift = s.getZOffset();
+    for (double z : {0.0, lift}) {
+      grow(a.x, a.y, a.z + z);
+      grow(b.x, b.y, b.z + z);
+    }
+    for (const auto& hole : s.getHoles()) addPoints(hole, 0.0);
     for (const auto& line : s.getHitLine()) {
-      add(line, 0.0);
-      add(line, lift);
+      addPoints(line, 0.0);
+      addPoints(line, lift);
     }
-    if (const std::vector<AcGePoint3d>* mesh = s.getFaceVertexArray()) {
-      add(*mesh, 0.0);
-      add(*mesh, lift);
-    }
+    if (s.getShpType() == CRenderShape::kPline) addPoints(s.getPts(), 0.0);
+    const std::vector<double>& gl = s.getGlPts();
+    for (size_t i = 0; i + 2 < gl.size(); i += 3) grow(gl[i], gl[i + 1], gl[i + 2]);
   }
+
   // Outward to floats, so that the float box holds every point; false when
-  // it is empty or not finite.
+  // it is empty or not finite (a point that is not a number leaves it
+  // alone, and GL draws nothing of a triangle that has one).
   bool store(float* box) const {
     for (int k = 0; k < 3; ++k) {
       box[k] = std::nextafter(static_cast<float>(lo[k]), -INFINITY);
@@ -210,6 +206,17 @@ class Extent {
   }
 
  private:
+  void addPoints(const std::vector<AcGePoint3d>& pts, double lift) {
+    for (const AcGePoint3d& p : pts) grow(p.x, p.y, p.z + lift);
+  }
+  void grow(double x, double y, double z) {
+    const double p[3] = {x, y, z};
+    for (int k = 0; k < 3; ++k) {
+      lo[k] = p[k] < lo[k] ? p[k] : lo[k];
+      hi[k] = p[k] > hi[k] ? p[k] : hi[k];
+    }
+  }
+
   double lo[3] = {INFINITY, INFINITY, INFINITY}, hi[3] = {-INFINITY, -INFINITY, -INFINITY};
 };
 
