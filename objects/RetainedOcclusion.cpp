@@ -153,7 +153,8 @@ class LateDrawing {
 // read again before the next. So a first frame records what a frame with
 // every group recorded would draw, not the whole model. A read waits for
 // the rasteriser to catch up, which costs about as much as recording ten
-// groups: rounds start at eight groups where there are enough for four.
+// groups: the first round takes eight, a thirty-second of the groups when
+// that is more, and a quarter when fewer than 32 wait.
 void drawUnrecorded(LateDrawing& late) {
   std::vector<std::pair<double, uint32_t>>& order = g_pass.unrecorded;
   order.clear();
