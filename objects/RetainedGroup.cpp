@@ -35,10 +35,18 @@ struct Group {
   GroupDrawing* drawing = nullptr;  // null: no group open
   uint64_t joinedKey = 0;
   bool interrupted = false;  // drawn in order, without the list, this frame
-  std::vector<GroupWriter::Item> items;  // kept between groups: no allocation per frame
+  size_t first = 0;          // its objects: g_items from here on
 };
 
 thread_local Group g_group;
+// The objects of the open group, after those of the groups that wait
+// unrecorded for the test after the pass; kept between frames, so that
+// joining allocates nothing once it has grown.
+thread_local std::vector<GroupWriter::Item> g_items;
+
+const GroupWriter::Item* joinedItems() { return g_items.data() + g_group.first; }
+size_t joinedCount() { return g_items.size() - g_group.first; }
+void dropJoined() { g_items.resize(g_group.first); }
 
 uint64_t mix(uint64_t h, uint64_t v) {
   h ^= v + 0x9e3779b97f4a7c15ULL + (h << 6) + (h >> 2);
@@ -88,14 +96,14 @@ void openGroup(GroupDrawing* g) {
   g_group.drawing = g;
   g_group.joinedKey = 0x51ed270b27a1f3c5ULL;
   g_group.interrupted = false;
-  g_group.items.clear();
+  g_group.first = g_items.size();
 }
 
 bool joinGroup(const CRenderObject* o, const std::vector<CRenderShape>* shapes, unsigned instanced, uint64_t key,
                bool cullBackFaces, const double* pixelsPerUnit, const AcGeVector3d* viewDirection) {
   if (!g_group.drawing) return false;
   g_group.joinedKey = mix(mix(g_group.joinedKey, reinterpret_cast<uintptr_t>(o)), key);
-  g_group.items.push_back({o, shapes, instanced, cullBackFaces, pixelsPerUnit, viewDirection});
+  g_items.push_back({o, shapes, instanced, cullBackFaces, pixelsPerUnit, viewDirection});
   return true;
 }
 
@@ -104,9 +112,9 @@ namespace {
 void drawJoined() {
   {
     LeanWriter w(2, 255);
-    for (const GroupWriter::Item& i : g_group.items) GroupWriter::write(w, i);
+    for (size_t i = 0; i < joinedCount(); ++i) GroupWriter::write(w, joinedItems()[i]);
   }
-  g_group.items.clear();
+  dropJoined();
 }
 }  // namespace
 
@@ -152,14 +160,13 @@ void record(GroupDrawing& g, const GroupWriter::Item* items, size_t count, uint6
   drawGroup(g);
 }
 
-// Unrecorded groups waiting for the test after the pass: their objects, in
-// storage kept per thread.
+// Unrecorded groups waiting for the test after the pass, in storage kept
+// per thread.
 struct Waiting {
   GroupDrawing* drawing;  // null once recorded
-  uint32_t first, count;  // its items
+  uint32_t first, count;  // its objects in g_items
 };
 struct WaitingGroups {
-  std::vector<GroupWriter::Item> items;
   std::vector<Waiting> groups;
   CSceneMgr* scene = nullptr;
   bool lastClosed = false;  // the last group closed waits, and nothing drew since
@@ -247,13 +254,12 @@ bool estimateBox(GroupDrawing& g, const GroupWriter::Item* items, size_t count) 
 bool wait(GroupDrawing& g, CSceneMgr* scene) {
   if (!g.estimated || g.key != g_group.joinedKey) {
     g.key = g_group.joinedKey;
-    g.estimated = estimateBox(g, g_group.items.data(), g_group.items.size());
+    g.estimated = estimateBox(g, joinedItems(), joinedCount());
   }
   if (!g.estimated) return false;
+  // Its objects stay where they joined.
   g_waiting.scene = scene;
-  g_waiting.groups.push_back({&g, uint32_t(g_waiting.items.size()), uint32_t(g_group.items.size())});
-  g_waiting.items.insert(g_waiting.items.end(), g_group.items.begin(), g_group.items.end());
-  g_group.items.clear();
+  g_waiting.groups.push_back({&g, uint32_t(g_group.first), uint32_t(joinedCount())});
   g_waiting.lastClosed = true;
   return true;
 }
@@ -268,7 +274,7 @@ void recordWaiting(size_t i) {
   if (!w.drawing) return;
   GroupDrawing& g = *w.drawing;
   w.drawing = nullptr;
-  record(g, g_waiting.items.data() + w.first, w.count, g.key, g_waiting.scene);
+  record(g, g_items.data() + w.first, w.count, g.key, g_waiting.scene);
 }
 
 void settleWaiting() {
@@ -278,7 +284,8 @@ void settleWaiting() {
 }
 
 void forgetWaiting() {
-  g_waiting.items.clear();
+  g_items.clear();
+  g_group.first = 0;
   g_waiting.groups.clear();
   g_waiting.lastClosed = false;
 }
@@ -294,16 +301,17 @@ void closeGroup(CSceneMgr* scene) {
   }
   // Nobody joined (all points or hidden at this zoom): the drawing stays
   // for when they come back.
-  if (g_group.items.empty()) return;
+  if (joinedCount() == 0) return;
   if (g.buffer != 0 && g.key == g_group.joinedKey) {
+    dropJoined();
     g_waiting.lastClosed = false;
     drawGroup(g);
     return;
   }
   if (g.buffer == 0 && scene && occlusionOn() && !compilingOtherList() && wait(g, scene)) return;
   g_waiting.lastClosed = false;
-  record(g, g_group.items.data(), g_group.items.size(), g_group.joinedKey, scene);
-  g_group.items.clear();
+  record(g, joinedItems(), joinedCount(), g_group.joinedKey, scene);
+  dropJoined();
 }
 
 }  // namespace kxretained
