@@ -40,22 +40,6 @@ XY expected(const CObjectSetMgr& set, double x0, double y0, double x1, double y1
 
 }  // namespace
 
-// Rotations and the rest of the edits are checked against reading every
-// object in RandomEditsAgreeWithReadingEverything.
-TEST(BjSnap, FollowsEditsOfObjectsAndAssistPoints) {
-  CObjectSetMgr set;
-  const unsigned a = set.addObject(object({{0, 0, 0}, {10, 0, 0}}));
-  set.getObj(a)->AutoCountCatchPoint();
-  set.pushAssistPt(AcGePoint3d(5, 5, 0), 1);
-  EXPECT_EQ(query(set, -1, -1, 11, 6), (XY{{0, 0}, {5, 5}, {10, 0}}));
-  set.getObj(a)->move(AcGeVector3d(100, 0, 0));
-  EXPECT_EQ(query(set, -1, -1, 111, 11), (XY{{5, 5}, {100, 0}, {110, 0}}));
-  set.clearAssistPt(-1);
-  EXPECT_EQ(query(set, -1, -1, 111, 11), (XY{{100, 0}, {110, 0}}));
-  set.delObject(a);
-  EXPECT_EQ(query(set, -1, -1, 111, 11), XY{});
-}
-
 TEST(BjSnap, ExactPointsUnderEachInstanceMatrixAndSnapPointSetters) {
   CObjectSetMgr set;
   const unsigned a = set.addObject(object({{0, 0, 0}, {1, 0, 0}}));

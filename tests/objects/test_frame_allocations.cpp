@@ -15,8 +15,9 @@ namespace {
 std::atomic<bool> g_counting{false};
 std::atomic<long> g_allocations{0};
 
-// Every array, sized and aligned form is replaced too, so that each
-// allocation (the GL driver's included) is freed by the matching function.
+// The aligned form is replaced too, so that each allocation (the GL
+// driver's included) is freed by the matching function; the array and sized
+// forms forward to these by default.
 void* counted(std::size_t n, std::size_t align) {
   if (g_counting) ++g_allocations;
   void* p = nullptr;
@@ -31,17 +32,9 @@ void* counted(std::size_t n, std::size_t align) {
 }  // namespace
 
 void* operator new(std::size_t n) { return counted(n, 0); }
-void* operator new[](std::size_t n) { return counted(n, 0); }
 void* operator new(std::size_t n, std::align_val_t a) { return counted(n, std::size_t(a)); }
-void* operator new[](std::size_t n, std::align_val_t a) { return counted(n, std::size_t(a)); }
 void operator delete(void* p) noexcept { std::free(p); }
-void operator delete[](void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
 void operator delete(void* p, std::align_val_t) noexcept { std::free(p); }
-void operator delete[](void* p, std::align_val_t) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t, std::align_val_t) noexcept { std::free(p); }
-void operator delete[](void* p, std::size_t, std::align_val_t) noexcept { std::free(p); }
 
 namespace {
 

@@ -9,13 +9,10 @@ using Access = CObjectSetMgrTestAccess;
 TEST(ObjectSetIds, IssuedInOrderNeverReusedAndNullIsRefused) {
   CObjectSetMgr set;
   EXPECT_EQ(set.addObject(nullptr), 0u);
-  CRenderObject* a = rectObject(0, 0, 1, 1);
-  for (unsigned id : {1u, 2u, 3u}) EXPECT_EQ(set.addObject(id == 1 ? a : rectObject(0, 0, 1, 1)), id);
-  EXPECT_TRUE(a->getId() == 1u && a->getObjSet() == &set && set.getObj(1) == a);
+  for (unsigned id : {1u, 2u, 3u}) EXPECT_EQ(set.addObject(rectObject(0, 0, 1, 1)), id);
   set.delObject(2);
   EXPECT_FALSE(set.is_exist(2));
   EXPECT_EQ(set.addObject(rectObject(0, 0, 1, 1)), 4u);  // 2 is not reused
-  EXPECT_EQ(set.numObjs(), 3u);
 }
 
 TEST(ObjectSetIds, WrapTriesTwoFirstAndTheTopIdAndZeroAreGivenOut) {
@@ -48,9 +45,6 @@ TEST(ObjectSetIds, ExhaustionThrowsAHeapExceptionWithTheMessageAndKeepsTheSet) {
   delete caught;
   EXPECT_EQ(set.numObjs(), 20u);
   delete obj;  // never taken by the set
-  // With room left further on, the same search succeeds.
-  Access::attemptLimit(set) = 0xFFFFFFFDu;
-  EXPECT_EQ(set.addObject(rectObject(0, 0, 1, 1)), 21u);
 }
 
 TEST(ObjectSetIds, BatchAddKeepsTheMisalignmentOfNullEntries) {
@@ -60,7 +54,6 @@ TEST(ObjectSetIds, BatchAddKeepsTheMisalignmentOfNullEntries) {
   // The null shortened the list; the third object's id had no place left.
   EXPECT_EQ(ids, (std::vector<unsigned>{1, 0}));
   EXPECT_EQ(set.numObjs(), 2u);
-  EXPECT_TRUE(set.is_exist(2));
   AcGePoint3d lo, hi;  // the batch recomputes the box
   set.getBox(lo, hi);
   EXPECT_TRUE(lo == AcGePoint3d(0, 0, 0) && hi == AcGePoint3d(6, 6, 0));
@@ -157,11 +150,6 @@ TEST(ObjectSetSearch, RectangleAndFrustumQueriesMatchBruteForceThroughMovesAndDe
     }
   };
   check(200);
-  // Whole-space query returns everything exactly once.
-  std::vector<CRenderObject*> all;
-  set.getInRectObjs(AcGePoint2d(-1e9, -1e9), AcGePoint2d(1e9, 1e9), all);
-  EXPECT_EQ(all.size(), 10000u);
-
   std::uniform_int_distribution<unsigned> pick(1, 10000);
   for (int i = 0; i < 1000; ++i) {
     CRenderObject* o = set.getObj(pick(rng));
@@ -184,16 +172,12 @@ TEST(ObjectSetSearch, RectangleAndFrustumQueriesMatchBruteForceThroughMovesAndDe
   std::vector<unsigned> expected;
   for (const auto& kv : set.objects()) {
     const CRenderObject* o = kv.second;
+    const AcGePoint3d lo = o->ptMin(), hi = o->ptMax();
     bool outside = false;
-    for (const auto& p : planes) {
-      double best = p[3];
-      for (int k = 0; k < 3; ++k) {
-        const double lo = k == 0 ? o->ptMin().x : k == 1 ? o->ptMin().y : o->ptMin().z;
-        const double hi = k == 0 ? o->ptMax().x : k == 1 ? o->ptMax().y : o->ptMax().z;
-        best += std::max(p[k] * lo, p[k] * hi);
-      }
-      outside = outside || best < 0;
-    }
+    for (const auto& p : planes)
+      outside = outside || p[3] + std::max(p[0] * lo.x, p[0] * hi.x) + std::max(p[1] * lo.y, p[1] * hi.y) +
+                                   std::max(p[2] * lo.z, p[2] * hi.z) <
+                               0;
     if (!outside) expected.push_back(kv.first);
   }
   EXPECT_GT(expected.size(), 100u);
@@ -204,9 +188,7 @@ TEST(ObjectSetSearch, RectangleAndFrustumQueriesMatchBruteForceThroughMovesAndDe
 TEST(ObjectSetSearch, ObjectsWithNonFiniteShapesAreEmptyAndCanBeDeleted) {
   CObjectSetMgr set;
   const double nan = std::nan("");
-  CRenderObject* bad = object({{nan, 0, 0}, {1, nan, 0}, {1, 1, 0}}, CRenderShape::kPgon);
-  EXPECT_EQ(bad->numShp(), 0u);  // the non-finite shape is dropped
-  const unsigned id = set.addObject(bad);
+  const unsigned id = set.addObject(object({{nan, 0, 0}, {1, nan, 0}, {1, 1, 0}}, CRenderShape::kPgon));
   set.addObject(rectObject(0, 0, 1, 1));
   auto found = [&set] {
     std::vector<CRenderObject*> v;

@@ -85,38 +85,27 @@ class RetainedFrame : public SceneFixture {
 struct Variant {
   const char* name;
   std::function<void()> apply;
+  bool shows = true;  // the change alters the frame
 };
 
 }  // namespace
 
-TEST_F(RetainedFrame, EveryModeAndFeedbackDrawsTheSamePixelsAsThePerShapePath) {
-  buildScene();
-  const Variant variants[] = {
-      {"shaded", [] {}},
-      {"wire frame", [this] { mode(0); }},
-      {"mode 4", [this] { mode(4); }},
-      {"hit", [this] { obj(0)->hit(true); }},
-      {"highlight", [this] { obj(1)->highLight(true); }},
-      {"dot line", [this] { obj(0)->getShape(1).setDotLine(true); }},
-      {"transparent", [this] { scene.setTransparent(128); }},
-      {"coarse level", [this] { scene.setRange(40.0); }},
-  };
-  for (const Variant& v : variants) {
-    SCOPED_TRACE(v.name);
-    v.apply();
-    const std::vector<uint8_t> reference = frame(false);
-    EXPECT_TRUE(frame(true) == reference) << "compiling frame";
-    EXPECT_TRUE(frame(true) == reference) << "replayed frame";
-  }
-}
-
-// Each change is made after the lists are compiled; the next frame must be
-// the per-shape frame, and differ from the frame before the change (so the
-// change is one the lists really depend on).
+// Each change is made after the lists are compiled; the next frame, and the
+// one replayed after it, must be the per-shape frame, and differ from the
+// frame before the change (so the change is one the lists really depend on).
 TEST_F(RetainedFrame, AChangeAfterCompilingRedrawsLikeThePerShapePath) {
   const Variant changes[] = {
       {"shape colour", [this] { obj(0)->setShapeColor(0, CColor(0, 0, 255, 255)); }},
-      {"render mode", [this] { mode(0); }},
+      {"wire frame", [this] { mode(0); }},
+      {"mode 4 after compiling wire frame",
+       [this] {
+         mode(0);
+         frame(true);
+         mode(4);
+       },
+       false},
+      {"highlight", [this] { obj(1)->highLight(true); }},
+      {"dot line", [this] { obj(0)->getShape(1).setDotLine(true); }},
       {"level of detail", [this] { scene.setRange(40.0); }},
       {"scaled border zoom", [this] { scene.setRange(12.0); }},
       {"scene alpha", [this] { scene.setTransparent(100); }},
@@ -142,7 +131,8 @@ TEST_F(RetainedFrame, AChangeAfterCompilingRedrawsLikeThePerShapePath) {
     const std::vector<uint8_t> before = frame(true);
     c.apply();
     const std::vector<uint8_t> after = frame(true);
-    EXPECT_TRUE(after != before) << "the change shows";
+    if (c.shows) EXPECT_TRUE(after != before) << "the change shows";
+    EXPECT_TRUE(frame(true) == after) << "replayed frame";
     EXPECT_TRUE(after == frame(false));
   }
 }

@@ -152,20 +152,29 @@ const float kWestSun[4] = {-1, 0, 1, 0};
 
 }  // namespace
 
+// A light that is no light draws no shadow, and the frame is otherwise
+// whole: the ground lit everywhere, the box top drawn; a good light after it
+// brings the shadow back.
 TEST_F(ShadowFrame, GroundIsDarkExactlyInTheShadowOutline) {
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const float zero[4] = {0, 0, 0, 0}, notFinite[4] = {nan, 0, 1, 0}, inside[4] = {0, 0, 1, 1};
   const struct {
     const char* name;
     bool wall, eyeInside;
     Rect shade, light, hidden;
+    const float* sun;
   } rows[] = {
       // The box (height 2) shades x in [1, 3] and hides what is under it.
-      {"box", false, false, {1, -1, 3, 1}, {}, {-1.2, -1.2, 1.2, 1.2}},
+      {"box", false, false, {1, -1, 3, 1}, {}, {-1.2, -1.2, 1.2, 1.2}, kWestSun},
       // The wall (x = 0, height 4) shades x in [0, 4]; its window lets light
       // onto x in [1, 3], y in [-1, 1].
-      {"wall with a window", true, false, {0, -4, 4, 4}, {1, -1, 3, 1}, {}},
+      {"wall with a window", true, false, {0, -4, 4, 4}, {1, -1, 3, 1}, {}, kWestSun},
+      {"zero light", false, false, {}, {}, {-1.2, -1.2, 1.2, 1.2}, zero},
+      {"light not finite", false, false, {}, {}, {-1.2, -1.2, 1.2, 1.2}, notFinite},
+      {"light inside the box", false, false, {}, {}, {-1.2, -1.2, 1.2, 1.2}, inside},
       // Depth-fail counting does not care where the eye is: from inside the
       // box's volume, looking down onto the shade, the box hides x < 1.5.
-      {"eye inside the volume", false, true, {1, -1, 3, 1}, {}, {-10, -10, 1.5, 10}},
+      {"eye inside the volume", false, true, {1, -1, 3, 1}, {}, {-10, -10, 1.5, 10}, kWestSun},
   };
   for (const auto& r : rows) {
     SCOPED_TRACE(r.name);
@@ -177,9 +186,9 @@ TEST_F(ShadowFrame, GroundIsDarkExactlyInTheShadowOutline) {
       const AcGeVector3d up = forward.crossProduct(AcGeVector3d(0, 0, 1)).crossProduct(forward).normal();
       scene.camera()->ReSet(AcGeVector3d(1.5, 0, 0.5), up, forward);
     }
-    frame(kWestSun);
+    frame(r.sun);
     EXPECT_EQ(wrongGroundPixels(r.shade, r.light, r.hidden), 0);
-    EXPECT_EQ(darkAt({2, 0, 0}), r.wall ? 0 : 1);  // in view: the grid was seen
+    EXPECT_EQ(darkAt({2, 0, 0}), int(r.shade.in(2, 0) && !r.light.in(2, 0)));  // in view: the grid was seen
     if (!r.wall && !r.eyeInside) EXPECT_EQ(darkAt({0, 0, 2}), 0);  // the lit top is not shadowed by its own volume
     set().delObject(id);
   }
@@ -192,13 +201,10 @@ TEST_F(ShadowFrame, InnerRoofFacesAndUnflaggedObjectsCastNothingInstancesCastUnd
   for (CRenderShape& s : roof) s.setXdata("\xE5\x9D\xA1\xE5\xB1\x8B\xE9\xA1\xB6", "\xE5\x86\x85\xE9\x9D\xA2");
   caster(roof);
   caster({windowWall()}, false);
-  CRenderObject* o = new CRenderObject;
-  for (const CRenderShape& s : boxShapes({-5, -1, 0}, {-4, 1, 1})) o->addShape(s);
+  CRenderObject* o = caster(boxShapes({-5, -1, 0}, {-4, 1, 1}));
   o->setExaGeoShapNum(6);
   for (float dx : {0.0f, 12.0f}) addShift(*o, dx);
-  o->endAddShape();
-  o->setGenerateShadow(true);
-  scene.getObjSetMgr()->addObject(o);
+  o->calBox();
   frame(kWestSun);
   EXPECT_EQ(darkAt({2, 0, 0}), 0);
   EXPECT_EQ(darkAt({2, 3, 0}), 0);
@@ -208,30 +214,13 @@ TEST_F(ShadowFrame, InnerRoofFacesAndUnflaggedObjectsCastNothingInstancesCastUnd
   EXPECT_EQ(darkAt({-2.5, 0, 0}), 0);
 }
 
-// A light that is no light draws no shadow, and the frame is otherwise
-// whole: the ground lit everywhere, the box top drawn.
-TEST_F(ShadowFrame, BadLightsDrawNoShadowAndLeaveTheFrameWhole) {
-  caster(boxShapes({-1, -1, 0}, {1, 1, 2}));
-  const float nan = std::numeric_limits<float>::quiet_NaN();
-  const float lights[][4] = {{0, 0, 0, 0}, {nan, 0, 1, 0}, {0, 0, 1, 1}};
-  for (const float* l : lights) {
-    frame(l);
-    EXPECT_EQ(darkAt({2, 0, 0}), 0);
-    EXPECT_EQ(darkAt({-5, 5, 0}), 0);
-    EXPECT_EQ(darkAt({0, 0, 2}), 0);
-  }
-  frame(kWestSun);  // a good light again: the shadow is back
-  EXPECT_EQ(darkAt({2, 0, 0}), 1);
-}
-
 TEST_F(ShadowFrame, MovingTheLightKeepsOneListPerCastingObject) {
   CRenderObject* box = caster(boxShapes({-1, -1, 0}, {1, 1, 2}));
-  CRenderObject* wall = caster({windowWall()});
+  caster({windowWall()});
   frame(kWestSun);
   const size_t before = liveLists();
   const unsigned boxList = box->getShadowVolumeList();
   EXPECT_NE(boxList, 0u);
-  EXPECT_NE(wall->getShadowVolumeList(), 0u);
   EXPECT_EQ(ground->getShadowVolumeList(), 0u);
   for (int i = 0; i < 1000; ++i) {
     const float sun[4] = {-1.0f, 0.001f * i, 1.0f, 0.0f};
