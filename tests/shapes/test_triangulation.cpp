@@ -51,60 +51,33 @@ void expectFills(const CRenderShape& s, const Contour& outer, const Contours& ho
 }
 }  // namespace
 
-TEST(Triangulation, ConvexQuadIsOneStripWithoutTessellator) {
+TEST(Triangulation, ConvexQuadIsOneStripWithoutTessellatorOthersTakeIt) {
   GLRecorder rec(/*forward=*/true);
-  // Given clockwise, stored counter-clockwise; the strip is the stored
-  // first, second, fourth and third point.
+  // Given clockwise, stored counter-clockwise; one strip whose triangles
+  // (first, second, fourth; fourth, second, third) fill the quad.
   CRenderShape s = polygon({{0, 0, 0}, {0, 3, 0}, {5, 4, 0}, {4, 0, 0}});
   EXPECT_EQ(rec.count("gluNewTess") + rec.count("gluTessBeginPolygon"), 0u);
   ASSERT_EQ(s.getStrips(), (std::vector<std::vector<uint16_t>>{{0, 1, 2, 3}}));
-  const int order[4] = {0, 1, 3, 2};
-  for (int i = 0; i < 4; ++i) EXPECT_TRUE(vertex(s, i).isEqualTo(s.getPts()[order[i]])) << i;
   expectFills(s, s.getPts(), {}, 15.5);
 
   Contour dart = {{0, 0, 0}, {4, 0, 0}, {2, 1, 0}, {2, 4, 0}};  // concave: no fast strip
   expectFills(polygon(dart), dart, {}, 5.0);
   EXPECT_EQ(rec.count("gluTessBeginPolygon"), 1u);
-  polygon(rect(0, 0, 4, 4), {rect(1, 1, 2, 2)});  // holes always take the tessellator
+  CRenderShape ring = polygon(rect(0, 0, 4, 4), {rect(1, 1, 2, 2)});  // holes always take the tessellator
   EXPECT_EQ(rec.count("gluTessBeginPolygon"), 2u);
-}
-
-TEST(Triangulation, RingCoversNothingInsideTheHole) {
-  Contour outer = rect(0, 0, 10, 10), hole = rect(3, 3, 7, 7);
-  CRenderShape s = polygon(outer, {hole});
-  expectFills(s, outer, {hole}, 84.0);
-  const std::vector<Tri> tris = triangles(s);
-  for (double y = 0.25; y < 10; y += 0.5)
-    for (double x = 0.25; x < 10; x += 0.5) {
-      bool covered = false;
-      for (const Tri& t : tris) covered = covered || oddInside(x, y, {{t.a, t.b, t.c}});
-      EXPECT_EQ(covered, !(x > 3 && x < 7 && y > 3 && y < 7)) << x << ", " << y;
-    }
-  std::vector<std::vector<unsigned>> idx;
-  s.getTriIndex(idx);
-  ASSERT_EQ(idx.size(), s.getStrips().size());
-  for (size_t i = 0; i < idx.size(); ++i) EXPECT_TRUE(std::equal(idx[i].begin(), idx[i].end(), s.getStrips()[i].begin()));
-  EXPECT_EQ(s.numTriangles(), tris.size());
+  std::vector<std::vector<unsigned>> idx;  // the strips again, as unsigned indices
+  ring.getTriIndex(idx);
+  ASSERT_EQ(idx.size(), ring.getStrips().size());
+  for (size_t i = 0; i < idx.size(); ++i)
+    EXPECT_TRUE(std::equal(idx[i].begin(), idx[i].end(), ring.getStrips()[i].begin()));
+  EXPECT_EQ(ring.numTriangles(), triangles(ring).size());
 }
 
 TEST(Triangulation, PlansAndCrossingContoursFillByParity) {
-  Contours rooms;  // a floor of 50 rooms, columns and stair wells (some given clockwise)
-  double floorArea = 6000;
-  for (int i = 0; i < 10; ++i)
-    for (int j = 0; j < 5; ++j) {
-      const double x = 5 + 10 * i, y = 6 + 12 * j;
-      if ((i + j) % 3 == 0) {
-        rooms.push_back(ngon(2.5, 24, 0.1 * i, x, y));
-        floorArea -= ngonArea(2.5, 24);
-      } else if ((i + j) % 3 == 1) {
-        rooms.push_back(rect(x - 4, y - 4.5, x + 4, y + 4.5));
-        floorArea -= 72;
-      } else {
-        rooms.push_back(rect(x - 3, y - 2, x + 3, y + 2));
-        std::reverse(rooms.back().begin(), rooms.back().end());
-        floorArea -= 24;
-      }
-    }
+  // A floor with a round column, a room and a stair well given clockwise.
+  Contours rooms = {ngon(2.5, 24, 0.1, 5, 6), rect(11, 1.5, 19, 10.5), rect(22, 4, 28, 8)};
+  std::reverse(rooms.back().begin(), rooms.back().end());
+  const double floorArea = 6000 - ngonArea(2.5, 24) - 72 - 24;
   Contour comb = {{0, 0, 0}, {20, 0, 0}, {20, 2, 0}};  // ten teeth of 1 x 5 on a 20 x 2 back
   for (double t = 18; t >= 0; t -= 2) comb.insert(comb.end(), {{t + 1, 2, 0}, {t + 1, 7, 0}, {t, 7, 0}, {t, 2, 0}});
   Contour collinear;
@@ -121,14 +94,11 @@ TEST(Triangulation, PlansAndCrossingContoursFillByParity) {
   for (int k = 0; k < 5; ++k) star.emplace_back(R * std::cos(M_PI / 2 + k * 0.8 * M_PI), R * std::sin(M_PI / 2 + k * 0.8 * M_PI), 0);
   const struct { const char* what; Contour outer; Contours holes; double area; } rows[] = {
       {"floor", rect(0, 0, 100, 60), rooms, floorArea},
-      {"L", {{0, 0, 0}, {6, 0, 0}, {6, 2, 0}, {2, 2, 0}, {2, 5, 0}, {0, 5, 0}}, {}, 18.0},
       {"comb", comb, {}, 90.0},
       {"holes on the edge and at a corner", rect(0, 0, 10, 10), {rect(0, 3, 4, 6), rect(5, 5, 7, 7), rect(7, 7, 9, 9)}, 80.0},
       {"collinear points", collinear, {}, 40.0},
       {"repeated points", dup, {hole}, ngonArea(5, 7) - 4},
-      {"bow tie", {{0, 0, 0}, {2, 2, 0}, {2, 0, 0}, {0, 2, 0}}, {}, 2.0},
       {"overlapping holes: the common part is filled again", rect(0, 0, 10, 10), {rect(1, 1, 5, 5), rect(3, 3, 7, 7)}, 76.0},
-      {"an island in a hole", rect(0, 0, 10, 10), {rect(2, 2, 8, 8), rect(4, 4, 6, 6)}, 68.0},
       {"pentagram: points filled, the middle (wound twice) not", star, {},
        5 * R * r * std::sin(0.2 * M_PI) - 2.5 * r * r * std::sin(0.4 * M_PI)}};
   for (const auto& row : rows) {
@@ -144,9 +114,6 @@ TEST(Triangulation, WallsAndRoofs) {
   south.setCoordSystem(AcGePoint3d(100, 50, 0), AcGeVector3d(1, 0, 0), AcGeVector3d(0, 0, 1), AcGeVector3d(0, -1, 0));
   east.setCoordSystem(AcGePoint3d(-7, 3, 2), AcGeVector3d(0, 1, 0), AcGeVector3d(0, 0, 1), AcGeVector3d(1, 0, 0));
   for (const AcGeMatrix3d& m : {south, east}) expectFills(placed(wall, openings, m), wall, openings, 14.3, m);
-  AcGePoint3d lo, hi;
-  placed(wall, openings, south).getBox(lo, hi);
-  EXPECT_TRUE(lo.isEqualTo(AcGePoint3d(100, 50, 0)) && hi.isEqualTo(AcGePoint3d(106, 50, 3)));
   // Pitched 35 degrees, turned 20 in plan, with a skylight.
   const Contour roof = {{0, 0, 0}, {12, 0, 0}, {12, 5, 0}, {6, 7, 0}, {0, 5, 0}};
   const AcGeMatrix3d m = AcGeMatrix3d::translation(AcGeVector3d(10, 20, 9)) *
