@@ -22,8 +22,8 @@ TEST(AcGeCurveCurveInt3dTest, KnownConfigurationsMeetWhereExpected) {
   const AcGeEllipArc3d wide(P(), V::kXAxis, V::kYAxis, 2.0, 1.0), tall(P(), V::kYAxis, -V::kXAxis, 2.0, 1.0),
       flat(P(), V::kXAxis, V::kYAxis, 100.0, 0.01);
   const AcGeNurbCurve3d nurbs = nurbsCircle(P(), 1.0);
-  const AcGeLineSeg3d chord(P(-2, 0.6, 0), P(2, 0.6, 0)), diagonal(P(0, 0, 0), P(2, 2, 0)),
-      along(P(1, 1, 0), P(3, 3, 0)), nearMiss(P(1.0005, -1, 0), P(1.0005, 1, 0));
+  const AcGeLineSeg3d diagonal(P(0, 0, 0), P(2, 2, 0)), along(P(1, 1, 0), P(3, 3, 0)),
+      nearMiss(P(1.0005, -1, 0), P(1.0005, 1, 0));
   const AcGeLine3d vertical(P(60, 0, 0), V::kYAxis), crossing(P(0, 2, 0), V(1, -1, 0));
   const double h = std::sqrt(3.0) / 2, e = 2.0 / std::sqrt(5.0);
   const struct {
@@ -38,7 +38,6 @@ TEST(AcGeCurveCurveInt3dTest, KnownConfigurationsMeetWhereExpected) {
       {"circles crossing only seen from above", unit, lifted, {}, 0},
       {"crossed ellipses", wide, tall, {{e, e, 0}, {-e, e, 0}, {-e, -e, 0}, {e, -e, 0}}, 1e-12},
       {"flat ellipse and a line", flat, vertical, {{60, 0.008, 0}, {60, -0.008, 0}}, 1e-12},
-      {"NURBS circle and a chord", nurbs, chord, {{0.8, 0.6, 0}, {-0.8, 0.6, 0}}, 1e-12},
       {"NURBS circle and an arc", nurbs, corner, {{1, 0, 0}, {0, 1, 0}}, 1e-12},
       {"segment and line", diagonal, crossing, {{1, 1, 0}}, 1e-12},
       {"collinear overlap", diagonal, along, {}, 0},

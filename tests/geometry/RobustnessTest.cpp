@@ -194,32 +194,28 @@ TEST(RobustnessTest, ValueTypesAndPlanes) {
 
 TEST(RobustnessTest, UtilitiesRefuseBadInput) {
   using U = CRenderSysUtils;
+  using P = AcGePoint3d;
+  const P x(1, 0, 0), y(0, 1, 0);
+  const std::vector<P> tri = {P(), x, y};
   AcGePoint3d out(7, 7, 7);
+  // The wrappers over segment and curve intersections refuse what those refuse (see AcGeLinearEnt3dTest).
   for (const AcGePoint3d& p : badPoints()) {
     if (std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z)) continue;
-    EXPECT_FALSE(U::ptIntersectWithLine(p, AcGePoint3d(), AcGePoint3d(1, 0, 0), out, 1e-6));
-    EXPECT_FALSE(U::plineIntersectWithLine({p, AcGePoint3d(1, 1, 0)}, AcGePoint3d(0, 1, 0), AcGePoint3d(1, 0, 0), out, 1e-6));
-    EXPECT_FALSE(U::rayIntersectWithSeg(p, AcGeVector3d(1, 0, 0), AcGePoint3d(1, -1, 0), AcGePoint3d(1, 1, 0), out, 1e-6));
-    EXPECT_FALSE(U::rayIntersectWithTriangle(p, AcGeVector3d(0, 0, 1), AcGePoint3d(), AcGePoint3d(1, 0, 0), AcGePoint3d(0, 1, 0), &out));
-    EXPECT_FALSE(U::rayIntersectWithBox(p, AcGeVector3d(1, 0, 0), AcGePoint3d(), AcGePoint3d(1, 1, 1), &out));
+    EXPECT_FALSE(U::rayIntersectWithTriangle(p, AcGeVector3d(0, 0, 1), P(), x, y, &out));
+    EXPECT_FALSE(U::rayIntersectWithBox(p, AcGeVector3d(1, 0, 0), P(), P(1, 1, 1), &out));
     // Only x and y take part in the area test.
-    bool flatBad = !std::isfinite(p.x) || !std::isfinite(p.y);
-    EXPECT_EQ(U::PtInArea(p, {AcGePoint3d(), AcGePoint3d(1, 0, 0), AcGePoint3d(0, 1, 0)}, 1e-6, true), !flatBad);
-    EXPECT_FALSE(U::faceIntersectWithLine({AcGePoint3d(), AcGePoint3d(1, 0, 0), AcGePoint3d(0, 1, 0)}, AcGeVector3d::kZAxis,
-                                          p, AcGeVector3d(0, 0, -1), out, 1e-6));
-    std::vector<AcGePoint3d> pts;
-    AcGeLineSeg3d seg(p, AcGePoint3d(1, 1, 1));
+    EXPECT_EQ(U::PtInArea(p, tri, 1e-6, true), std::isfinite(p.x) && std::isfinite(p.y));
+    EXPECT_FALSE(U::faceIntersectWithLine(tri, AcGeVector3d::kZAxis, p, AcGeVector3d(0, 0, -1), out, 1e-6));
+    AcGeLineSeg3d seg(p, P(1, 1, 1));
     AcGeCircArc3d arc;
-    EXPECT_FALSE(U::curveIntersectWithCurve(&seg, &arc, pts, 1e-6));
-    AcGePoint3d foot;
-    EXPECT_FALSE(U::DroopPoint(p, AcGePoint3d(), &arc, foot, 1e-6));
+    EXPECT_FALSE(U::DroopPoint(p, P(), &arc, out, 1e-6));
     U::getCurveMidPoint(&seg);
-    U::calPolyArea({p, AcGePoint3d(1, 0, 0), AcGePoint3d(0, 1, 0)});
-    U::getPolygonArea({p, AcGePoint3d(1, 0, 0), AcGePoint3d(0, 1, 0)});
-    U::polyClockWise({p, AcGePoint3d(1, 0, 0), AcGePoint3d(0, 1, 0)});
-    std::vector<AcGePoint3d> loop = {p, AcGePoint3d(1, 0, 0), AcGePoint3d(0, 1, 0)};
+    std::vector<P> loop = {p, x, y};
+    U::calPolyArea(loop);
+    U::getPolygonArea(loop);
+    U::polyClockWise(loop);
     U::cvtClock(loop, AcGeVector3d(kNaN, 0, 0), true);
-    U::getAngle(p, AcGePoint3d());
+    U::getAngle(p, P());
   }
   EXPECT_FALSE(U::sphereInFrustum(std::vector<std::vector<double>>(5, {1, 0, 0, 0}), AcGePoint3d(-kInf, 0, 0), 1.0));
   EXPECT_TRUE(out.isEqualTo(AcGePoint3d(7, 7, 7)));

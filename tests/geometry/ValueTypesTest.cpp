@@ -76,9 +76,6 @@ TEST(AcGeVector3dTest, NormalOfZeroAndNonFinite) {
   expectNear(AcGeVector3d(kInf, 0, 0).normal(), AcGeVector3d(), 0);
   // Squares overflow but the direction is still defined.
   expectNear(AcGeVector3d(1e300, 1e300, 0).normal(), AcGeVector3d(M_SQRT1_2, M_SQRT1_2, 0), 1e-15);
-  AcGeVector3d v(0, 3, 4);
-  v.normalize();
-  expectNear(v, AcGeVector3d(0, 0.6, 0.8), 1e-15);
 }
 
 TEST(AcGeVector3dTest, CrossAnglesAndDirections) {
@@ -113,7 +110,6 @@ TEST(AcGeMatrix3dTest, KnownMatricesMoveAPointWhereExpected) {
     AcGePoint3d from, to;
   } rows[] = {
       {"rotation about a centre", about, {2, 1, 5}, {1, 2, 5}},
-      {"translation", t, {1, 0, 0}, {2, 2, 3}},
       {"pre-multiplied", pre, {1, 0, 0}, {1, 3, 3}},
       {"post-multiplied", post, {1, 0, 0}, {-2, 2, 3}},
       {"translation replaced", moved, {1, 0, 0}, {5, 1, 0}},
@@ -167,7 +163,6 @@ TEST(AcGeMatrix3dTest, RandomFramesRotationsAndInverses) {
     expectNear(AcGeMatrix3d::planeToWorld(plane) * (w2p * a), a, 1e-9);
     expectNear(w2p * o, AcGePoint3d::kOrigin, 1e-9);
     expectNear(AcGeVector3d(plane.normal()).transformBy(w2p), AcGeVector3d::kZAxis, 1e-12);
-    EXPECT_NEAR((w2p * (o + x.perpVector() * 10.0)).z, 0.0, 1e-9);
     // Aligning frames maps origin and axes, a left-handed target included.
     const AcGeVector3d tx = randomVector(rng, 2.0), ty = randomVector(rng, 2.0), tz = ty.crossProduct(tx);
     const AcGeMatrix3d f = AcGeMatrix3d::alignCoordSys(o, x, y, x.crossProduct(y), b, tx, ty, tz);
