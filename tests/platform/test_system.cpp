@@ -21,6 +21,14 @@ TEST(CodePage, Utf8IsTheDefault) {
   EXPECT_EQ(MultiByteToWideChar(CP_ACP, MB_PRECOMPOSED, "\xE4\xB8", 2, out, 8), 2);
   EXPECT_EQ(out[0], 0xFFFD);
   EXPECT_EQ(MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, "\xE4\xB8", 2, out, 8), 0);
+  // Character steps of one, three and four bytes.
+  const char* s = "a\xE4\xB8\xAD\xF0\x9F\x98\x80z";
+  EXPECT_EQ(CharNextA(s), s + 1);
+  EXPECT_EQ(CharNextA(s + 1), s + 4);
+  EXPECT_EQ(CharNextA(s + 4), s + 8);
+  // A lead byte without its continuation bytes stops at the next character.
+  const char* broken = "\xE4" "ab";
+  EXPECT_EQ(CharNextA(broken), broken + 1);
 }
 
 TEST(CodePage, GbkDataFromWindows) {
@@ -68,16 +76,6 @@ TEST(CodePage, CombiningCodePagesKeepTheLastCharacter) {
     const int n = MultiByteToWideChar(r.codePage, 0, r.bytes, int(std::strlen(r.bytes)), out, 8);
     EXPECT_EQ(std::u16string(reinterpret_cast<const char16_t*>(out), size_t(n > 0 ? n : 0)), r.wide) << r.bytes;
   }
-}
-
-TEST(CodePage, Utf8CharacterSplitting) {
-  const char* s = "a\xE4\xB8\xAD\xF0\x9F\x98\x80z";
-  EXPECT_EQ(CharNextA(s), s + 1);
-  EXPECT_EQ(CharNextA(s + 1), s + 4);
-  EXPECT_EQ(CharNextA(s + 4), s + 8);
-  // A lead byte without its continuation bytes stops at the next character.
-  const char* broken = "\xE4" "ab";
-  EXPECT_EQ(CharNextA(broken), broken + 1);
 }
 
 TEST(ModulePath, RunningExecutable) {

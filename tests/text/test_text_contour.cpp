@@ -60,7 +60,6 @@ TEST_F(TextContourDispatch, EachFontKindAndFallback) {
       {CP_UTF8, "单线体", "B", kPlaceholder, 0},                // not in the font
       {CP_UTF8, "单线体", "\xE4\xB8", kPlaceholder, 0},       // truncated sequence
       {CP_UTF8, "宋体", "中", kOutline, 0},
-      {CP_UTF8, "Microsoft YaHei", "中", kOutline, 0},
       {CP_UTF8, "Arial", "A", kOutline, 0},
       {936, "\xB5\xA5\xCF\xDF\xCC\xE5", "\xD6\xD0", kLine, 0.9},  // 单线体, 中 in GBK
       {936, "\xCB\xCE\xCC\xE5", "\xD6\xD0", kOutline, 0},           // 宋体, 中
