@@ -176,7 +176,7 @@ thread_local WaitingGroups g_waiting;
 // The extent of everything the writer may send for these objects in any
 // mode, lifted as drawn. A shape's box (its outline, or a face's mesh) is
 // kept up to date like the object boxes that frustum culling reads; what a
-// lift moves away from it is read: a polygon's triangulated vertices, a
+// lift moves away from it is read: a lifted polygon's triangulated vertices, a
 // polyline's points, a face's lifted mesh and edges. Holes and hit lines
 // are read too, being short.
 class Extent {
@@ -195,6 +195,7 @@ class Extent {
       addPoints(line, lift);
     }
     if (s.getShpType() == CRenderShape::kPline) addPoints(s.getPts(), 0.0);
+    if (!s.isFillLifted()) return;  // the fill lies on the outline
     const std::vector<double>& gl = s.getGlPts();
     for (size_t i = 0; i + 2 < gl.size(); i += 3) grow(gl[i], gl[i + 1], gl[i + 2]);
   }

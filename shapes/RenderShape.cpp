@@ -79,6 +79,7 @@ void CRenderShape::takeFields(S&& o) {
   m_holes = std::forward<S>(o).m_holes;
   m_clr = std::forward<S>(o).m_clr;
   m_glPts = std::forward<S>(o).m_glPts;
+  m_fillLifted = std::forward<S>(o).m_fillLifted;
   m_strips = std::forward<S>(o).m_strips;
   m_boxMin = std::forward<S>(o).m_boxMin;
   m_boxMax = std::forward<S>(o).m_boxMax;
@@ -206,6 +207,7 @@ void CRenderShape::set(TextInfo* info, const CColor& clr, const AcGeVector3d& uc
   m_pts.clear();
   m_holes.clear();
   m_glPts.clear();
+  m_fillLifted = false;
   m_strips.clear();
   if (m_rare) m_rare->texCoords.clear();
   m_type = kText;
@@ -268,6 +270,7 @@ void CRenderShape::setZOffset(float z) {
       break;
     case kPgon:
       for (double& d : m_glPts) d += z;
+      if (z != 0.0f) m_fillLifted = true;
       break;
     default:
       break;

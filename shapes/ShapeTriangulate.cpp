@@ -86,6 +86,7 @@ bool crossingsBounded(const std::vector<AcGePoint3d>& pts, const std::vector<std
 void CRenderShape::divTringle() {
   touchDrawStamp();
   m_glPts.clear();
+  m_fillLifted = false;
   m_strips.clear();
   if (m_rare) m_rare->texCoords.clear();  // they belonged to the old vertices
   if (m_type != kPgon || m_pts.size() < 3) return;

@@ -294,6 +294,9 @@ class KXRENDER_API CRenderShape {
   // Points edited in place through getPts() are seen once calBox() or
   // divTringle() is called.
   uint32_t drawStamp() const { return m_drawStamp; }
+  /// True once setZOffset has moved a polygon's triangulated vertices off
+  /// its outline (and so out of its box); false again when they are rebuilt.
+  bool isFillLifted() const { return m_fillLifted; }
   void touchDrawStamp() { m_drawStamp = nextDrawStamp(); }
   void releaseDisplayList();
   void reValueDispList() { m_faceDisplayList = 0; }
@@ -385,4 +388,5 @@ class KXRENDER_API CRenderShape {
   bool m_borderWidthScaled = false;
   bool m_dotLine = false;
   bool m_shareVertexData = false;
+  bool m_fillLifted = false;
 };
