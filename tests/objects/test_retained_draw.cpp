@@ -218,8 +218,11 @@ TEST_F(RetainedFrame, AFirstFrameDrawsAPolygonLiftedOutFromUnderCover) {
   // be taken as covered before it is recorded. The plate reaches far to the
   // left, so that it falls in another group.
   tilesUnderPlate(false, -30, 11);
-  const unsigned lifted = set().addObject(rectObject(0, 0, 8, 8, -3, CColor(0, 0, 255, 255)));
-  set().getObj(lifted)->getShps()[0].setZOffset(4.0f);
+  CRenderObject* o = rectObject(0, 0, 8, 8, -3, CColor(0, 0, 255, 255));
+  CRenderShape fill = o->getShps()[0];
+  fill.setZOffset(4.0f);
+  o->getShps()[0] = fill;  // a copy keeps the lift
+  const unsigned lifted = set().addObject(o);
   const std::vector<uint8_t> first = frame(true);
   EXPECT_TRUE(first == frame(false));
   set().getObj(lifted)->setVisible(false);
