@@ -23,6 +23,8 @@ void closeContour(std::vector<AcGePoint3d>& c) {
 }
 }  // namespace
 
+static_assert(sizeof(void*) != 8 || sizeof(CRenderShape) == 256, "a shape is four cache lines; see m_spare");
+
 CRenderShape::CRenderShape() = default;
 
 CRenderShape::Rare& CRenderShape::rare() const {
@@ -83,17 +85,9 @@ void CRenderShape::takeFields(S&& o) {
   m_strips = std::forward<S>(o).m_strips;
   m_boxMin = std::forward<S>(o).m_boxMin;
   m_boxMax = std::forward<S>(o).m_boxMax;
-  m_sphereCenter = std::forward<S>(o).m_sphereCenter;
-  m_sphereRadius = std::forward<S>(o).m_sphereRadius;
   m_hit = std::forward<S>(o).m_hit;
   m_highLight = std::forward<S>(o).m_highLight;
-  m_texture = std::forward<S>(o).m_texture;
-  m_hasTexture = std::forward<S>(o).m_hasTexture;
   m_showBorder = std::forward<S>(o).m_showBorder;
-  m_borderClr = std::forward<S>(o).m_borderClr;
-  m_borderWidth = std::forward<S>(o).m_borderWidth;
-  m_borderWidthScaled = std::forward<S>(o).m_borderWidthScaled;
-  m_borderMaxWidth = std::forward<S>(o).m_borderMaxWidth;
   m_area = std::forward<S>(o).m_area;
   m_offsetFactor = std::forward<S>(o).m_offsetFactor;
   m_offsetUnits = std::forward<S>(o).m_offsetUnits;
@@ -127,14 +121,29 @@ void CRenderShape::Init() {
   m_visible = true;
   m_hit = false;
   m_highLight = false;
+  // The sphere stays as it was: keep it apart once the box no longer gives it.
+  AcGePoint3d centre;
+  double radius = 0.0;
+  getSphere(centre, radius);
+  if (!m_rare || !m_rare->sphereKept) {
+    const bool boxGivesIt = centre.x == 0.0 && centre.y == 0.0 && centre.z == 0.0 && radius == 0.0;
+    if (!boxGivesIt) {
+      Rare& r = rare();
+      r.sphereKept = true;
+      r.sphereCenter = centre;
+      r.sphereRadius = static_cast<float>(radius);
+    }
+  }
   m_boxMin = AcGePoint3d::kOrigin;
   m_boxMax = AcGePoint3d::kOrigin;
-  m_hasTexture = false;
   m_showBorder = false;
-  m_borderClr.set(255, 255, 255, 255);
-  m_borderWidth = 1.2f;
-  m_borderWidthScaled = false;
-  m_borderMaxWidth = 8.0f;
+  if (m_rare) {
+    m_rare->hasTexture = false;
+    m_rare->borderClr = CColor::whiteClr;
+    m_rare->borderWidth = kBorderWidth;
+    m_rare->borderWidthScaled = false;
+    m_rare->borderMaxWidth = kBorderMaxWidth;
+  }
   m_area = 0.0f;
   m_offsetFactor = 0.0f;
   m_offsetUnits = 1.0f;

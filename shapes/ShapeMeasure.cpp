@@ -37,11 +37,15 @@ void CRenderShape::calArea() {
       m_area = a > 0.0 ? static_cast<float>(std::min(a, double(FLT_MAX))) : 0.0f;
       break;
     }
-    case kFace:
+    case kFace: {
       // A mesh has no outline to measure; its bounding sphere gives an
       // estimate, with pi taken as 3.14.
-      m_area = static_cast<float>(std::min(double(m_sphereRadius) * 3.14 * double(m_sphereRadius), double(FLT_MAX)));
+      AcGePoint3d centre;
+      double r = 0.0;
+      getSphere(centre, r);
+      m_area = static_cast<float>(std::min(r * 3.14 * r, double(FLT_MAX)));
       break;
+    }
     default:
       break;
   }
@@ -71,7 +75,18 @@ void CRenderShape::calBox() {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     m_boxMin = m_boxMax = AcGePoint3d(nan, nan, nan);
   }
-  CRenderSysUtils::getSphere(m_boxMin, m_boxMax, m_sphereCenter, m_sphereRadius);
+  if (m_rare) m_rare->sphereKept = false;  // the box gives it again
+}
+
+void CRenderShape::getSphere(AcGePoint3d& centre, double& radius) const {
+  float r = 0.0f;
+  if (m_rare && m_rare->sphereKept) {
+    centre = m_rare->sphereCenter;
+    r = m_rare->sphereRadius;
+  } else {
+    CRenderSysUtils::getSphere(m_boxMin, m_boxMax, centre, r);
+  }
+  radius = r;
 }
 
 void CRenderShape::getTriIndex(std::vector<std::vector<unsigned>>& out) const {

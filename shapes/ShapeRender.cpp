@@ -37,11 +37,11 @@ void CRenderShape::setDotLineState(const CRenderObject*) {
 void CRenderShape::backDotLineState(const CRenderObject*) { kgl->Disable(GL_LINE_STIPPLE); }
 
 float CRenderShape::lineWidth(const double* viewScale) const {
-  if (!m_borderWidthScaled || !viewScale || !std::isfinite(*viewScale)) return m_borderWidth;
+  if (!isBorderWidthScaled() || !viewScale || !std::isfinite(*viewScale)) return getBorderWidth();
   // The width grows with the view scale so borders keep their weight when
   // zooming in, up to a maximum.
-  const double w = m_borderWidth * (*viewScale) / 15.0;
-  return w > m_borderMaxWidth ? m_borderMaxWidth : static_cast<float>(w);
+  const double w = m_rare->borderWidth * (*viewScale) / 15.0;
+  return w > m_rare->borderMaxWidth ? m_rare->borderMaxWidth : static_cast<float>(w);
 }
 
 void CRenderShape::render(int mode, CRenderObject* obj, const double* viewScale, bool flag) {
@@ -101,10 +101,10 @@ void CRenderShape::renderShaded_Pgon(CRenderObject* obj, const double* viewScale
   kgl->VertexPointer(3, GL_DOUBLE, 0, m_glPts.data());
   // Texture coordinates are read for every vertex; too few of them would
   // make GL read past the array, so such a shape is drawn untextured.
-  const bool textured = m_hasTexture && getTexCoords().size() >= 2 * vertexCount;
+  const bool textured = hasTexture() && getTexCoords().size() >= 2 * vertexCount;
   if (textured) {
     kgl->Enable(GL_TEXTURE_2D);
-    kgl->BindTexture(GL_TEXTURE_2D, m_texture);
+    kgl->BindTexture(GL_TEXTURE_2D, getTexture());
     kgl->EnableClientState(GL_TEXTURE_COORD_ARRAY);
     kgl->TexCoordPointer(2, GL_FLOAT, 0, getTexCoords().data());
     kgl->Color4ub(255, 255, 255, alpha);
@@ -151,14 +151,15 @@ void CRenderShape::renderShaded_Pgon(CRenderObject* obj, const double* viewScale
   }
 
   if (obj->renderedFlag2()) {
+    const CColor& border = getBorderColor();
     if (m_hit) {
       setDotLineState(obj);
-      glSetBorderClr(m_borderClr);
+      glSetBorderClr(border);
       kgl->LineWidth(1.0f);
     } else if (!m_showBorder) {
       return;
     } else {
-      kgl->Color4ub(m_borderClr.r, m_borderClr.g, m_borderClr.b, alpha);
+      kgl->Color4ub(border.r, border.g, border.b, alpha);
     }
     drawContour(m_pts);
     for (const auto& hole : m_holes) drawContour(hole);

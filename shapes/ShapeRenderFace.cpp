@@ -60,10 +60,10 @@ void CRenderShape::renderFace(CRenderObject* obj, int mode) {
       // The scene alpha and the border are baked into the list: changing
       // either needs releaseDisplayList. Hit and highlight stay outside.
       kgl->NewList(m_faceDisplayList, GL_COMPILE_AND_EXECUTE);
-      const bool textured = m_hasTexture && meshTexCoords() && meshTexCoords()->size() == meshVertices()->size();
+      const bool textured = hasTexture() && meshTexCoords() && meshTexCoords()->size() == meshVertices()->size();
       if (textured) {
         kgl->Enable(GL_TEXTURE_2D);
-        kgl->BindTexture(GL_TEXTURE_2D, m_texture);
+        kgl->BindTexture(GL_TEXTURE_2D, getTexture());
       }
       emitTriangles(*meshVertices(), *meshTriangleIndices(), *meshNormals(), textured ? meshTexCoords() : nullptr,
                     m_zOffset);
@@ -71,8 +71,9 @@ void CRenderShape::renderFace(CRenderObject* obj, int mode) {
       if (m_showBorder) {
         kgl->PushAttrib(kAttribMask);
         kgl->DepthRange(kOverlayNear, kOverlayFar);
-        kgl->LineWidth(m_borderWidth);
-        kgl->Color4ub(m_borderClr.r, m_borderClr.g, m_borderClr.b, alpha);
+        kgl->LineWidth(getBorderWidth());
+        const CColor& border = getBorderColor();
+        kgl->Color4ub(border.r, border.g, border.b, alpha);
         emitEdges(getHitLine(), m_zOffset);
         kgl->Color4ub(m_clr.r, m_clr.g, m_clr.b, alpha);
         kgl->LineWidth(kFaceLineWidth);

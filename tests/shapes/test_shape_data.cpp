@@ -50,9 +50,14 @@ TEST(RenderShapeData, InitClearsStateButKeepsGeometry) {
   p.setHit(true);
   p.setBorderMaxWidth(3.0);  // also switches scaling on
   EXPECT_TRUE(p.isBorderWidthScaled());
+  AcGePoint3d centre, kept;
+  double radius = 0.0, keptRadius = 0.0;
+  p.getSphere(centre, radius);
   p.Init();
   EXPECT_FALSE(p.getHit() || p.isBorderWidthScaled() || p.getArea() != 0.0 || p.getBorderMaxWidth() != 8.0f);
   EXPECT_TRUE(boxIs(p, AcGePoint3d::kOrigin, AcGePoint3d::kOrigin));
+  CRenderShape(p).getSphere(kept, keptRadius);  // the sphere outlives the box, in copies too
+  EXPECT_TRUE(kept == AcGePoint3d(1, 1, 0) && kept == centre && keptRadius == radius && radius > 1.41);
   EXPECT_TRUE(p.getShpType() == CRenderShape::kPgon && p.getPts().size() == 5 && p.is("k", "v"));
 }
 
